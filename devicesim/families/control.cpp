@@ -1,0 +1,109 @@
+// The control plane: what a test does to the device behind its clients' backs.
+#include <fmt/format.h>
+
+#include <charconv>
+
+#include "devicesim/actions.h"
+#include "devicesim/families/families.h"
+
+namespace devicesim {
+
+namespace {
+
+std::string memberOr(const json& record, const std::string& name, std::string_view otherwise) {
+    return record.contains(name) ? member(record, name, json::value_t::string).get<std::string>()
+                                 : std::string(otherwise);
+}
+
+void showState(Call& call) { call.answer(call.device.state); }
+
+void showCounters(Call& call) {
+    json requests = json::object();
+    for (std::size_t i = 0; i < call.device.requests.size(); ++i) {
+        const Row& row = call.device.table.rows()[i];
+        if (!row.path.empty()) {
+            requests[fmt::format("{} {}", row.verb, row.path)] = call.device.requests[i];
+        }
+    }
+    call.answer({{"requests", std::move(requests)},
+                 {"refused", call.device.refused},
+                 {"astray", call.device.astray},
+                 {"reportsSent", call.device.reports.sent()},
+                 {"streamsOpen", call.device.reports.streamsOpen()},
+                 {"logins", call.device.tokens.logins()}});
+}
+
+json& valueAt(json& state, const std::string& pointer) {
+    try {
+        return state.at(Place(pointer));
+    } catch (const json::exception&) {
+        throw Refusal(Failure::Unknown, fmt::format("pointer: the state has no place \"{}\"", pointer));
+    }
+}
+
+// {"pointer":"/custom/softwareName","value":...}: the device itself changes a place and reports it.
+void change(Call& call) {
+    const std::string pointer = member(call.body, "pointer", json::value_t::string);
+    if (!call.body.contains("value")) {
+        throw Refusal(Failure::Incomplete, "value is missing");
+    }
+    take(valueAt(call.device.state, pointer), call.body["value"], "value");
+    json told = json::array();
+    for (const auto& [row, places] : call.device.table.reportsOf(Place(pointer), call.device.state)) {
+        call.device.reportChange(*row, places, {std::string(kDeviceToken), 0});
+        told.push_back(fmt::format("{:x}", row->report));
+    }
+    call.answer({{"reports", std::move(told)}});
+}
+
+// {"id":"71201","body":...,"token":"..","sequence":5}: a report as it stands; a body that is a string is sent
+// as its text, fit or not.
+void pushReport(Call& call) {
+    const std::string id = member(call.body, "id", json::value_t::string);
+    Report report;
+    const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), report.id, 16);
+    if (error != std::errc() || end != id.data() + id.size()) {
+        throw Refusal(Failure::WrongType, "id must be a report's number in hexadecimal, without 0x");
+    }
+    if (!call.body.contains("body")) {
+        throw Refusal(Failure::Incomplete, "body is missing");
+    }
+    const json& body = call.body["body"];
+    report.body = body.is_string() ? body.get<std::string>() : body.dump();
+    report.source.token = memberOr(call.body, "token", kDeviceToken);
+    if (call.body.contains("sequence")) {
+        report.source.sequence = member(call.body, "sequence", json::value_t::number_integer).get<std::int32_t>();
+    }
+    call.device.reports.push(report);
+    call.answer(nullptr);
+}
+
+// Off and on again. {"state":"initial"} also forgets all changes.
+void restart(Call& call) {
+    const std::string state = call.body.is_null() ? "" : memberOr(call.body, "state", "");
+    if (!state.empty() && state != "initial") {
+        throw Refusal(Failure::Unknown, "state can only be \"initial\"");
+    }
+    if (!state.empty()) {
+        call.device.state = call.device.start;
+    }
+    call.device.tokens.expire();
+    call.device.reports.restart();
+    call.answer(nullptr);
+}
+
+void expire(Call& call) {
+    call.device.tokens.expire();
+    call.answer(nullptr);
+}
+
+}  // namespace
+
+std::vector<Row> controlRows() {
+    return {
+        {"GET", "/sim/state", showState},    {"GET", "/sim/counters", showCounters}, {"POST", "/sim/change", change},
+        {"POST", "/sim/report", pushReport}, {"POST", "/sim/restart", restart},      {"POST", "/sim/expire", expire},
+    };
+}
+
+}  // namespace devicesim

@@ -1,0 +1,14 @@
+#include "devicesim/families/families.h"
+
+namespace devicesim {
+
+std::vector<Row> allRows() {
+    std::vector<Row> all;
+    for (const auto family : {sessionRows, customRows, systemRows, screenRows, controlRows}) {
+        const std::vector<Row> rows = family();
+        all.insert(all.end(), rows.begin(), rows.end());
+    }
+    return all;
+}
+
+}  // namespace devicesim

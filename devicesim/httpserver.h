@@ -1,0 +1,32 @@
+// HTTP in front of the core: connections, requests in, replies and streams out.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "devicesim/wire.h"
+
+namespace devicesim {
+
+struct Options;
+
+/// Runs from construction to `stop()`.
+class HttpServer {
+public:
+    /// Called by many threads at once.
+    using Handler = std::function<Reply(const Request&)>;
+
+    /// Throws std::runtime_error if it cannot listen.
+    HttpServer(const Options& options, Handler handler);
+    ~HttpServer();
+
+    int port() const;
+    /// Cuts all connections, joins all threads. Streams must have been closed before.
+    void stop();
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace devicesim

@@ -1,0 +1,58 @@
+// Searches that go eight bytes at a time. Both stop at the end of the buffer at the latest.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+namespace ajson::detail {
+
+inline std::uint64_t load8(const char* at) {
+    std::uint64_t word;
+    std::memcpy(&word, at, sizeof word);
+    return word;
+}
+
+inline constexpr std::uint64_t every_byte(unsigned char byte) { return 0x0101010101010101u * byte; }
+
+/// Not zero when a byte of `word` is zero; the lowest bit set marks the first such byte on little-endian machines.
+inline std::uint64_t zero_bytes(std::uint64_t word) { return (word - every_byte(1)) & ~word & every_byte(0x80); }
+
+/// Not zero when a byte of `word` is a quote, a backslash or below a blank.
+inline std::uint64_t special_bytes(std::uint64_t word) {
+    return zero_bytes(word ^ every_byte('"')) | zero_bytes(word ^ every_byte('\\')) |
+           ((word - every_byte(0x20)) & ~word & every_byte(0x80));
+}
+
+inline bool is_special(char c) { return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20; }
+
+/// The first quote, backslash or control character from `at` on.
+inline const char* find_special(const char* at, const char* end) {
+    while (end - at >= 8) {
+        if (const std::uint64_t found = special_bytes(load8(at)); found != 0) {
+            if constexpr (__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__) {
+                return at + __builtin_ctzll(found) / 8;
+            }
+            break;
+        }
+        at += 8;
+    }
+    while (at != end && !is_special(*at)) {
+        ++at;
+    }
+    return at;
+}
+
+/// The first character from `at` on that is no white space.
+inline const char* skip_blanks(const char* at, const char* end) {
+    for (;;) {
+        while (end - at >= 8 && load8(at) == every_byte(' ')) {
+            at += 8;
+        }
+        if (*at != ' ' && *at != '\n' && *at != '\r' && *at != '\t') {
+            return at;
+        }
+        ++at;
+    }
+}
+
+}  // namespace ajson::detail

@@ -1,0 +1,331 @@
+// The host runtime: life cycle, lookup, messages, signals.
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <map>
+#include <thread>
+#include <vector>
+
+#include "ktp/imessagecenter.h"
+#include "lcd/config/ilcdconfig.h"
+#include "platform/ktp/host.h"
+#include "platform/ktp/hostmessages.h"
+#include "platform/ktp/knownsettings.h"
+#include "platform/ktp/pluginentry.h"
+#include "platform/ktp/signals.h"
+#include "tests/support/processguard.h"
+#include "tests/support/testpart.h"
+#include "tests/support/testplugin.h"
+
+namespace {
+
+using namespace lcdtest;
+using ktp::Host;
+using ktp::HostConfig;
+using ktp::HostError;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class HostTest : public testing::Test {
+protected:
+    // A component of the test's plug-in writes through it.
+    class Journal final : public IJournal {
+    public:
+        explicit Journal(std::vector<std::string>& lines) : lines_(lines) {}
+        void write(const std::string& line) override { lines_.push_back(line); }
+
+    private:
+        std::vector<std::string>& lines_;
+    };
+
+    Act noting(const std::string& name) {
+        return [this, name](const ktp::IMessage& message) {
+            lines_.push_back(fmt::format("{} {:x}", name, message.id()));
+            return 0;
+        };
+    }
+
+    ProcessGuard guard_;
+    std::vector<std::string> lines_;
+    const ktp::ComponentInfo journal_{[this] { return new Journal(lines_); },
+                                      [](void* object) { delete static_cast<Journal*>(object); },
+                                      [](void*) { return nullptr; }, "test.journal", "{}"};
+};
+
+TEST_F(HostTest, LivesInFileOrderAndDiesInReverse) {
+    const ktp::ComponentInfo first = part("test.first", noting("first"));
+    const ktp::ComponentInfo last = part("test.last", noting("last"));
+    HostConfig config;
+    config.plugins = {plugin("testplugin")};
+    add(config, journal_, "testJournal");
+    add(config, first, "testFirst");
+    config.components.push_back({"test.plugin.witness", "testWitness"});
+    add(config, last);
+    Host host(config);
+
+    host.load();
+    EXPECT_THAT(lines_, ElementsAre("plugin created"));
+    EXPECT_TRUE(isMapped("libtestplugin.so"));
+    host.start();
+    EXPECT_NE(host.find<Part>("testFirst"), nullptr);
+    EXPECT_NE(host.find<Part>("testWitness"), nullptr);
+    EXPECT_EQ(host.find<Part>("nobody"), nullptr);
+    EXPECT_EQ(host.components().at(2).plugin, "testplugin");
+    EXPECT_TRUE(host.components().at(2).running);
+    host.stop();
+
+    EXPECT_THAT(lines_, ElementsAre("plugin created", "first ffff0001", "plugin ffff0001", "last ffff0001",
+                                    "first fffffffd", "plugin fffffffd", "last fffffffd",  //
+                                    "last fffffffe", "plugin fffffffe", "first fffffffe", "plugin deleted"));
+    EXPECT_EQ(host.find<Part>("testFirst"), nullptr);
+    EXPECT_TRUE(host.components().empty());
+}
+
+TEST_F(HostTest, StartThatFailsStopsWhatRanAndSaysWhy) {
+    struct Case {
+        const char* reason;
+        ktp::ComponentInfo culprit;
+        std::vector<std::string> left;
+    };
+    const auto refusal = [this](int answer) {
+        return [this, answer](const ktp::IMessage& message) {
+            noting("bad")(message);
+            if (answer == 0 && message.id() == ktp::kSystemRun) {
+                throw std::runtime_error("no device");
+            }
+            return answer;
+        };
+    };
+    ktp::ComponentInfo outOfMemory = part("test.bad", noting("bad"));
+    outOfMemory.creator = [] { return nullptr; };
+    ktp::ComponentInfo broken = outOfMemory;
+    broken.creator = []() -> void* { throw std::runtime_error("no screen"); };
+    const std::vector<std::string> throughStop = {"good ffff0001", "bad ffff0001", "good fffffffd",
+                                                  "bad fffffffd",  "bad fffffffe", "good fffffffe"};
+    const Case cases[] = {
+        {"host.toml:3: component \"test.bad\" can't be created: no memory", outOfMemory, {}},
+        {"\"test.bad\" can't be created: no screen", broken, {}},
+        {"\"test.bad\" doesn't start: it answered 7", part("test.bad", refusal(7)), throughStop},
+        {"\"test.bad\" doesn't start: no device", part("test.bad", refusal(0)), throughStop},
+        {"host.toml:3: component.name: no plug-in has a component \"test.bad\"", part("test.other", refusal(0)), {}}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.reason);
+        lines_.clear();
+        const ktp::ComponentInfo good = part("test.good", noting("good"));
+        HostConfig config;
+        add(config, good);
+        config.ownComponents.push_back(&each.culprit);
+        config.components.push_back({"test.bad", "", "host.toml:3: "});
+        Host host(config);
+        try {
+            host.start();
+            ADD_FAILURE() << "it started";
+        } catch (const HostError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(each.reason));
+        }
+        EXPECT_EQ(lines_, each.left);
+    }
+}
+
+TEST_F(HostTest, OnlyOneHostIsLoadedAtATime) {
+    const ktp::ComponentInfo one = part("test.one", noting("one"));
+    HostConfig config;
+    add(config, one);
+    Host host(config);
+    Host other(config);
+    host.start();
+    EXPECT_THROW(other.start(), HostError);
+    host.stop();
+    other.start();
+    other.stop();
+    host.start();
+    EXPECT_EQ(std::count(lines_.begin(), lines_.end(), "one ffff0001"), 3);
+}
+
+TEST_F(HostTest, RefusesFilesThatAreNoPluginOrOneTooMany) {
+    const TempFolder folder;
+    const auto copyOf = [&folder](const char* name) {
+        const std::filesystem::path copy = folder / plugin(name).file.filename().string();
+        std::filesystem::copy_file(plugin(name).file, copy);
+        return copy;
+    };
+    HostConfig config;
+    config.components = {{"test.plugin.witness"}};
+    for (const auto& [other, reason] :
+         {std::pair<std::filesystem::path, std::string>{copyOf("ktspdlog"), "it lacks the function pluginit"},
+          {copyOf("testplugin"), "both \"testplugin\" and \"testplugin\""},
+          {LCD_TEST_HOST_FILE, "can't load a plug-in"}}) {
+        config.plugins = {plugin("testplugin"), {other}};
+        try {
+            Host(config).load();
+            ADD_FAILURE() << "it loaded";
+        } catch (const HostError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(reason));
+        }
+        EXPECT_FALSE(isMapped((folder / other.filename().string()).string().substr(1))) << other;
+    }
+}
+
+void post(ktp::IMessageCenter& center, std::uint32_t id) {
+    ktp::IMessage* message = center.createMessage(id, "test", nullptr, 0, 0);
+    center.postMessage(&message, 9, 0);
+    center.releaseMessage(message);
+}
+
+TEST_F(HostTest, PostedMessagesReachRunningComponentsOnly) {
+    ktp::IMessageCenter* center = nullptr;
+    const auto posting = [&](std::uint32_t onRun, std::uint32_t onStop) {
+        return [&, onRun, onStop, note = noting(fmt::format("{:x}", onRun))](const ktp::IMessage& message) {
+            note(message);
+            if (message.id() == ktp::kSystemRun) {
+                post(*center, onRun);
+            } else if (message.id() == ktp::kSystemStop) {
+                post(*center, onStop);
+            }
+            return 0;
+        };
+    };
+    const ktp::ComponentInfo first = part("test.first", posting(0xa1, 0xe1));
+    const ktp::ComponentInfo last = part("test.last", posting(0xa2, 0xe2));
+    HostConfig config;
+    add(config, first);
+    add(config, last);
+    Host host(config);
+    host.load();
+    center = host.find<ktp::IMessageCenter>(ktp::kMessageCenterName);
+    host.start();
+    host.stop();
+    EXPECT_THAT(lines_, ElementsAre("a1 ffff0001", "a1 a1", "a2 ffff0001", "a1 a2", "a2 a2",  //
+                                    "a1 fffffffd", "a2 fffffffd", "a2 fffffffe", "a1 e2", "a1 fffffffe"));
+}
+
+TEST_F(HostTest, MessagesFromManyThreadsArriveOneAtATime) {
+    constexpr int kThreads = 8;
+    constexpr int kEach = 500;
+    std::atomic<int> inside = 0;
+    std::atomic<int> overlaps = 0;
+    std::array<int, kThreads> last{};  // message thread only
+    std::atomic<int> disorder = 0;
+    std::atomic<int> delivered = 0;
+    const ktp::ComponentInfo counter = part("test.counter", [&](const ktp::IMessage& message) {
+        overlaps += inside++ == 0 ? 0 : 1;
+        if (message.id() < kThreads * 0x1000) {
+            int& before = last.at(message.id() >> 12);
+            const int number = static_cast<int>(message.id() & 0xfff);
+            disorder += number == before + 1 ? 0 : 1;
+            before = number;
+            ++delivered;
+        }
+        --inside;
+        return 0;
+    });
+    HostConfig config;
+    add(config, counter);
+    Host host(config);
+    host.start();
+    auto& center = *host.find<ktp::IMessageCenter>(ktp::kMessageCenterName);
+    std::vector<std::thread> threads;
+    for (std::uint32_t thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&center, thread] {
+            for (std::uint32_t number = 1; number <= kEach; ++number) {
+                post(center, thread << 12 | number);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    host.stop();
+    EXPECT_EQ(delivered, kThreads * kEach) << "what was posted before the stop is delivered before it";
+    EXPECT_EQ(overlaps, 0);
+    EXPECT_EQ(disorder, 0);
+}
+
+TEST_F(HostTest, PayloadIsCopied) {
+    std::string seen;
+    const ktp::ComponentInfo reader = part("test.reader", [&](const ktp::IMessage& message) {
+        if (message.id() == 5) {
+            const auto& whole = static_cast<const ktp::Message&>(message);
+            seen =
+                fmt::format("{} {} {}", whole.sender(), whole.flags(),
+                            std::string_view(reinterpret_cast<const char*>(whole.data().data()), whole.data().size()));
+        }
+        return 0;
+    });
+    HostConfig config;
+    add(config, reader);
+    Host host(config);
+    host.start();
+    {
+        std::string payload = "payload";
+        auto& center = *host.find<ktp::IMessageCenter>(ktp::kMessageCenterName);
+        ktp::IMessage* message = center.createMessage(5, "sender", payload.data(), 7, 3);
+        center.postMessage(&message, 9, 0);
+        payload.assign("gone...");
+        center.releaseMessage(message);
+        center.postMessage(nullptr, 9, 0);
+        center.releaseMessage(nullptr);
+    }
+    host.stop();
+    EXPECT_EQ(seen, "sender 3 payload");
+}
+
+TEST_F(HostTest, SettingsReachThePlugins) {
+    HostConfig config;
+    config.plugins = {plugin("lcdconfig")};
+    config.components = {{"lcd.config", "lcdConfig"}};
+    config.settings.set(ktp::kProgramEditStatus, {{1, 2}, {3, 4}});
+    Host host(config);
+    host.start();
+    EXPECT_EQ(host.find<LCD::Config::ILcdConfig>("lcdConfig")->defaultProgramEditStatus(),
+              (std::map<int, int>{{1, 2}, {3, 4}}));
+}
+
+TEST_F(HostTest, TwoHundredCyclesDontGrow) {
+    HostConfig config;
+    config.plugins = {plugin("lcdcomm"), plugin("lcdconfig"), plugin("testplugin")};
+    config.components = {{"lcd.comm.httpchannel", "lcdHttpChannel"},
+                         {"lcd.comm.status", "lcdCommStatus"},
+                         {"lcd.config", "lcdConfig"},
+                         {"test.plugin.witness"},
+                         {"lcd.comm.autoreportreceiver", "lcdAutoReportReceiver"}};
+    std::size_t warm = 0;
+    std::size_t descriptors = 0;
+    const auto begin = std::chrono::steady_clock::now();
+    for (int cycle = 0; cycle < 200; ++cycle) {
+        Host host(config);
+        host.start();
+        host.stop();
+        if (cycle == 20) {
+            warm = residentBytes();
+            descriptors = entriesOf("/proc/self/fd");
+        }
+    }
+    const auto time = std::chrono::steady_clock::now() - begin;
+    RecordProperty("milliseconds",
+                   static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count()));
+    RecordProperty("resident_before", static_cast<int>(warm));
+    RecordProperty("resident_after", static_cast<int>(residentBytes()));
+    EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
+#ifndef LCD_TEST_SANITIZED
+    EXPECT_LT(residentBytes(), warm + (1 << 20));
+#endif
+}
+
+TEST_F(HostTest, SignalsAreWaitedFor) {
+    ktp::SignalWait signals;
+    EXPECT_FALSE(signals.waitFor(std::chrono::milliseconds(1)));
+    for (const int signal : {SIGTERM, SIGINT}) {
+        std::thread killer([signal] { kill(getpid(), signal); });
+        EXPECT_EQ(signals.wait(), signal);
+        killer.join();
+    }
+}
+
+}  // namespace
