@@ -20,14 +20,14 @@ packages:
 	@cmake/install-packages.sh
 
 configure: packages
-	@cmake --preset release $(FLAGS) > $(BUILD).log 2>&1 || { cat $(BUILD).log; exit 1; }
+	@mkdir -p build && cmake --preset release $(FLAGS) > $(BUILD).log 2>&1 || { cat $(BUILD).log; exit 1; }
 
 bench: configure
 	@cmake --build $(BUILD) --target lcd_bench -- --quiet
 	@$(BUILD)/bin/lcd_bench
 
 fuzz: packages
-	@cmake --preset fuzz > build/fuzz.log 2>&1 || { cat build/fuzz.log; exit 1; }
+	@mkdir -p build && cmake --preset fuzz > build/fuzz.log 2>&1 || { cat build/fuzz.log; exit 1; }
 	@cmake --build build/fuzz -- --quiet
 	@fuzz/run.sh build/fuzz
 
