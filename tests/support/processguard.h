@@ -15,6 +15,13 @@
 
 namespace lcdtest {
 
+/// A sanitizer watches, which takes time and memory of its own.
+#ifdef LCD_TEST_SANITIZED
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
 /// What a stop may take when nothing holds it up.
 #ifdef LCD_TEST_SANITIZED
 inline constexpr std::chrono::milliseconds kPromptly{2000};

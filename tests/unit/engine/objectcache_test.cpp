@@ -41,6 +41,15 @@ public:
     void notifyNumber(const RequestData& request) { deliverMember(&Mirror::number, request); }
     void notifyText(const RequestData& request) { deliverField(&NumberGetter::text, request); }
 
+    bool decodeNumber(const std::string& body, AfterReport after) {
+        return mergeReport(
+            body, &decode, [](Mirror& mirror, const int& number) { mirror.number = number; }, Kind::number, after);
+    }
+    static bool decode(const std::string& body, int& out) {
+        out = static_cast<int>(body.size());
+        return !body.empty();
+    }
+
     bool dirty() const { return cacheDirty; }
 
     static bool fetch(LCD::Comm::IHttpChannel*, Mirror& out) {
@@ -144,6 +153,26 @@ TEST_F(ObjectCacheTest, aFailedFetchDeliversWhatThereIsAndIsTriedAgain) {
     NumberGetter::failing = false;
     getter.notifyCacheChangedWithLambda("a", Kind::number, inbox.callback());
     EXPECT_EQ(inbox.at<int>(1), 2);
+}
+
+TEST_F(ObjectCacheTest, aReportIsMergedAndToldAndMayDecideWhetherToFetch) {
+    getter.setCacheDirty();
+    EXPECT_TRUE(getter.decodeNumber("123", AfterReport::keepDirty));
+    EXPECT_TRUE(getter.dirty());
+    EXPECT_TRUE(getter.decodeNumber("1234", AfterReport::dirtyUnlessDecoded));
+    EXPECT_FALSE(getter.dirty());
+    EXPECT_FALSE(getter.decodeNumber("", AfterReport::keepDirty));
+    EXPECT_FALSE(getter.dirty());
+    EXPECT_FALSE(getter.decodeNumber("", AfterReport::dirtyUnlessDecoded));
+    EXPECT_TRUE(getter.dirty());
+
+    NumberGetter::failing = true;
+    getter.appendRequestCallBack("a", Kind::number, inbox.callback());
+    getter.startReloadTask();
+    EXPECT_EQ(inbox.at<int>(0), 4) << "the first delivery already shows the second report";
+    EXPECT_EQ(inbox.at<int>(1), 4);
+    getter.stopReloadTask();
+    EXPECT_EQ(inbox.count(), 2u) << "what can't be read is told to nobody";
 }
 
 TEST_F(ObjectCacheTest, aDeliveryGoesToWhomItIsFor) {

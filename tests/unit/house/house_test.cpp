@@ -9,9 +9,9 @@
 #include <fstream>
 #include <map>
 #include <memory>
-#include <regex>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "ktp/plugin.h"
 
@@ -39,15 +39,16 @@ std::string readFile(const fs::path& file) {
 
 /// "FILE includes X" for each include of a room that `allowed` doesn't name.
 std::vector<std::string> brokenArrows(const fs::path& folder, const std::set<std::string>& allowed) {
-    static const std::regex kInclude("#include \"([^\"]+)\"");
+    constexpr std::string_view kInclude = "#include \"";
     std::vector<std::string> broken;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
         if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp") {
             continue;
         }
         const std::string text = readFile(entry.path());
-        for (std::sregex_iterator each(text.begin(), text.end(), kInclude), end; each != end; ++each) {
-            const std::string target = (*each)[1];
+        for (std::size_t at = text.find(kInclude); at != text.npos; at = text.find(kInclude, at)) {
+            at += kInclude.size();
+            const std::string target = text.substr(at, text.find('"', at) - at);
             const std::string room = roomOf(target);
             const bool precisely = allowed.count(target.substr(0, target.rfind('/'))) != 0;
             if (allowed.count(room) == 0 && !precisely) {
