@@ -34,9 +34,13 @@ fuzz: packages
 format:
 	@clang-format -i $(SOURCES)
 
-lint: configure
+lint: packages
 	@clang-format --dry-run -Werror $(SOURCES)
-	@git diff --name-only --diff-filter=d $(LINT_BASE) -- '*.cpp' | xargs -r -P 2 -n 8 clang-tidy -p $(BUILD) --quiet --warnings-as-errors='*'
+	@mkdir -p build && cmake --preset threadsafety > build/threadsafety.log 2>&1 || { cat build/threadsafety.log; exit 1; }
+	@cmake --build build/threadsafety -- --quiet
+	@git diff --name-only --diff-filter=d $(LINT_BASE) -- '*.cpp' | \
+	    xargs -r -P 2 -n 4 clang-tidy -p build/threadsafety --quiet --warnings-as-errors='*' 2> build/lint.log \
+	    || { cat build/lint.log; exit 1; }
 
 install: configure
 	@cmake --build $(BUILD) -- --quiet
