@@ -28,7 +28,7 @@ bench: configure
 
 fuzz: packages
 	@mkdir -p build && cmake --preset fuzz > build/fuzz.log 2>&1 || { cat build/fuzz.log; exit 1; }
-	@cmake --build build/fuzz -- --quiet
+	@cmake --build build/fuzz --target fuzz_programs -- --quiet
 	@fuzz/run.sh build/fuzz
 
 format:

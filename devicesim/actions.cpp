@@ -10,20 +10,12 @@ namespace devicesim {
 
 namespace {
 
-// Numbers of all sorts and booleans may stand for each other.
-json::value_t kindOf(const json& value) {
-    return value.is_number() || value.is_boolean() ? json::value_t::number_integer : value.type();
-}
+// What requests can make the state hold.
+constexpr std::size_t kLongestText = 4096;  // bytes
+constexpr std::size_t kLongestList = 4096;  // elements
 
 std::string nameOf(json::value_t kind) {
     return kind == json::value_t::number_integer ? "number" : json(kind).type_name();
-}
-
-void requireKind(const json& value, json::value_t kind, const std::string& name) {
-    if (kindOf(value) != kind) {
-        throw Refusal(Failure::WrongType, fmt::format("{} must be of type {} but is of type {}", name, nameOf(kind),
-                                                      nameOf(kindOf(value))));
-    }
 }
 
 [[noreturn]] void missing(const std::string& name) {
@@ -43,63 +35,103 @@ std::size_t queryNumber(const Call& call, const std::string& name, std::size_t o
     return value;
 }
 
-// A row's place in a list: the list, the star, and perhaps the one member of its records that the row is
-// about.
-struct ListPlace {
-    explicit ListPlace(const Row& row) {
-        const std::size_t star = row.place.find("/*");
-        list = Place(std::string(row.place.substr(0, star)));
-        if (star + 2 < row.place.size()) {
-            member = row.place.substr(star + 3);
-        }
+// The members that `names` gives, blanks between them; all if it is empty.
+json shown(const json& record, std::string_view names) {
+    if (names.empty()) {
+        return record;
     }
-    Place of(std::size_t index) const {
-        const Place element = list / index;
-        return member.empty() ? element : element / member;
+    json some;
+    while (!names.empty()) {
+        const std::size_t end = std::min(names.find(' '), names.size());
+        const Place member('/' + std::string(names.substr(0, end)));
+        some[member] = record.at(member);
+        names.remove_prefix(std::min(end + 1, names.size()));
     }
+    return some;
+}
 
-    Place list;
-    std::string member;
-};
+// False if a member of the record or of its identity is asked for with another value.
+bool picked(const Call& call, const json& record) {
+    const auto differs = [&call](const json& owner) {
+        return std::any_of(call.request.query.begin(), call.request.query.end(), [&owner](const auto& asked) {
+            return owner.contains(asked.first) && textOf(owner[asked.first]) != asked.second;
+        });
+    };
+    const auto items = record.items();
+    return !differs(record) && std::none_of(items.begin(), items.end(), [&](const auto& item) {
+        return item.key().ends_with("IdObj") && differs(item.value());
+    });
+}
+
+}  // namespace
+
+json::value_t kindOf(const json& value) {
+    return value.is_number() || value.is_boolean() ? json::value_t::number_integer : value.type();
+}
+
+void requireKind(const json& value, json::value_t kind, const std::string& name) {
+    if (kindOf(value) != kind) {
+        throw Refusal(Failure::WrongType, fmt::format("{} must be of type {} but is of type {}", name, nameOf(kind),
+                                                      nameOf(kindOf(value))));
+    }
+}
 
 std::size_t indexOf(const json& list, const std::string& key, const json& record) {
     if (!record.is_object() || !record.contains(key)) {
         missing(key);
     }
-    const json& id = record[key];
-    const auto found =
-        std::find_if(list.begin(), list.end(), [&](const json& element) { return element.at(key) == id; });
-    if (found == list.end()) {
-        throw Refusal(Failure::Unknown, fmt::format("there is no {} {}", key, id.dump()));
+    const json* const found = recordOf(list, key, record[key]);
+    if (found == nullptr) {
+        throw Refusal(Failure::Unknown, fmt::format("there is no {} {}", key, record[key].dump()));
     }
-    return static_cast<std::size_t>(found - list.begin());
+    return static_cast<std::size_t>(found - &list.front());
 }
 
-}  // namespace
+const json* recordOf(const json& list, const std::string& key, const json& id) {
+    const auto found =
+        std::find_if(list.begin(), list.end(), [&](const json& element) { return element.at(key) == id; });
+    return found == list.end() ? nullptr : &*found;
+}
 
-void show(Call& call) { call.answer(call.here()); }
-
-void showPage(Call& call) {
-    json list = call.here();
-    const auto wanted =
-        call.row.key.empty() ? call.request.query.end() : call.request.query.find(std::string(call.row.key));
-    if (wanted != call.request.query.end()) {
-        std::erase_if(list.get_ref<json::array_t&>(), [&](const json& element) {
-            const json& id = element.at(wanted->first);
-            return (id.is_string() ? id.get<std::string>() : id.dump()) != wanted->second;
-        });
+int lowestFree(const json& list, const std::string& key) {
+    int number = 1;
+    while (recordOf(list, key, number) != nullptr) {
+        ++number;
     }
-    const std::size_t total = list.size();
-    const std::size_t limit = queryNumber(call, "limit", std::max<std::size_t>(total, 1));
-    const std::size_t page = queryNumber(call, "page", 1);
-    const std::size_t pages = std::max<std::size_t>((total + limit - 1) / limit, 1);
-    const std::size_t begin = page > pages ? total : (page - 1) * limit;
-    auto& elements = list.get_ref<json::array_t&>();
-    elements.resize(std::min(total, begin + limit));
-    elements.erase(elements.begin(), elements.begin() + static_cast<std::ptrdiff_t>(begin));
-    const std::size_t count = elements.size();
-    call.answer(
-        {{"count", count}, {"page", page}, {"totalCount", total}, {"totalPage", pages}, {"list", std::move(list)}});
+    return number;
+}
+
+void show(Call& call) {
+    json data = call.here();
+    if (data.is_array()) {
+        for (json& record : data) {
+            record = shown(record, call.row.wire);
+        }
+    }
+    call.answer(data);
+}
+
+void showPage(Call& call) { call.answer(page(call, call.here())); }
+
+json page(const Call& call, const json& records) {
+    std::vector<const json*> all;
+    for (const json& record : records) {
+        if (picked(call, record)) {
+            all.push_back(&record);
+        }
+    }
+    const std::size_t limit = queryNumber(call, "limit", std::max<std::size_t>(all.size(), 1));
+    const std::size_t number = queryNumber(call, "page", 1);
+    const std::size_t pages = std::max<std::size_t>((all.size() + limit - 1) / limit, 1);
+    json list = json::array();
+    for (std::size_t i = (std::min(number, pages + 1) - 1) * limit; i < all.size() && list.size() < limit; ++i) {
+        list.push_back(shown(*all[i], call.row.wire));
+    }
+    return {{"count", list.size()},
+            {"page", number},
+            {"totalCount", all.size()},
+            {"totalPage", pages},
+            {"list", std::move(list)}};
 }
 
 void replace(Call& call) {
@@ -112,28 +144,39 @@ void replace(Call& call) {
 }
 
 void merge(Call& call) {
-    take(call.here(), call.body, "the body");
-    call.reportChange({Place(std::string(call.row.place))});
+    const Place place(std::string(call.row.place));
+    json& present = call.here();
+    if (present.is_structured()) {
+        take(present, call.body, "the body");
+    } else {
+        const std::string name = call.row.wire.empty() ? place.back() : std::string(call.row.wire);
+        take(present, member(call.body, name, kindOf(present)), name);
+    }
+    call.reportChange({place});
     call.answer(nullptr);
 }
 
-void mergeEach(Call& call) {
+void mergeEach(Call& call) { mergeRecords(call, call.body); }
+
+void mergeOne(Call& call) { mergeRecords(call, json::array({call.body})); }
+
+void mergeRecords(Call& call, const json& records) {
     const ListPlace place(call.row);
-    json& list = call.device.state.at(place.list);
+    const json& list = call.device.state.at(place.list);
     const auto part = [&place](const json& record) -> const json& {
-        if (!place.member.empty() && !record.contains(place.member)) {
-            missing(place.member);
+        if (!place.member.empty() && !record.contains(place.name)) {
+            missing(place.name);
         }
-        return place.member.empty() ? record : record.at(place.member);
+        return place.member.empty() ? record : record.at(place.name);
     };
-    requireKind(call.body, json::value_t::array, "the body");
+    requireKind(records, json::value_t::array, "the body");
     std::vector<Place> places;
-    for (const json& record : call.body) {
+    for (const json& record : records) {
         places.push_back(place.of(indexOf(list, std::string(call.row.key), record)));
-        requireFit(part(record), call.device.state.at(places.back()), place.member.empty() ? "a record" : place.member);
+        requireFit(part(record), call.device.state.at(places.back()), place.member.empty() ? "a record" : place.name);
     }
     for (std::size_t i = 0; i < places.size(); ++i) {
-        mergeInto(call.device.state.at(places[i]), part(call.body[i]));
+        mergeInto(call.device.state.at(places[i]), part(records[i]));
     }
     call.reportChange(places);
     call.answer(nullptr);
@@ -168,6 +211,10 @@ void requireFit(const json& value, const json& present, const std::string& name)
         return;
     }
     requireKind(value, kindOf(present), name);
+    if ((value.is_array() && value.size() > kLongestList) ||
+        (value.is_string() && value.get_ref<const std::string&>().size() > kLongestText)) {
+        throw Refusal(Failure::WrongType, fmt::format("{} is too long", name));
+    }
     if (present.is_object()) {
         for (const auto& item : present.items()) {
             if (value.contains(item.key())) {
@@ -193,7 +240,7 @@ void take(json& present, const json& value, const std::string& name) {
 
 void mergeInto(json& present, const json& value) {
     if (!present.is_object()) {
-        present = value;
+        present = present.is_number() && value.is_boolean() ? json(value.get<bool>() ? 1 : 0) : value;
         return;
     }
     for (const auto& item : present.items()) {

@@ -9,10 +9,10 @@ namespace devicesim {
 
 // Reading.
 
-/// The value.
+/// The value; of the records of a list what `wire` names.
 void show(Call& call);
-/// The list at the place as a page. The query may pick records by the row's key, and a page by "page" (from
-/// 1) and "limit".
+/// The list at the place as a page. The query may pick records by members that they or their identities
+/// have ("...IdObj"), and a page by "page" (from 1) and "limit".
 void showPage(Call& call);
 
 // Changing. What a value may be is seen from the one in its place: of the same kind, of any if that is null;
@@ -20,14 +20,30 @@ void showPage(Call& call);
 
 /// The body's record takes the place of the present one: it must have all its members.
 void replace(Call& call);
-/// The body's members take the place of the present ones, at least one.
+/// The body's members take the place of the present ones, at least one; of a bare value the member so named.
 void merge(Call& call);
 /// The body is an array of records, each merged into its like in the list; all must exist.
 void mergeEach(Call& call);
+/// The body is one such record.
+void mergeOne(Call& call);
 /// The body is an array of records with the keys of those that go; all must exist. The report has the keys.
 void removeEach(Call& call);
 
-// For actions in the families.
+// For actions in the families. A number stands for booleans too, and for numbers of all sorts.
+
+json::value_t kindOf(const json& value);
+/// Throws a Refusal that names the member unless it is of that kind.
+void requireKind(const json& value, json::value_t kind, const std::string& name);
+/// These records as `showPage` shows them.
+json page(const Call& call, const json& records);
+/// As `mergeEach`, of these records.
+void mergeRecords(Call& call, const json& records);
+/// The place of the record that has this one's key. Throws a Refusal if there is none in the list.
+std::size_t indexOf(const json& list, const std::string& key, const json& record);
+/// Null if no record of the list has this id.
+const json* recordOf(const json& list, const std::string& key, const json& id);
+/// The lowest number from 1 that no record of the list has.
+int lowestFree(const json& list, const std::string& key);
 
 /// The member of that name and kind. Throws a Refusal.
 const json& member(const json& record, const std::string& name, json::value_t kind);

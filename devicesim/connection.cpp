@@ -13,12 +13,15 @@ namespace devicesim {
 
 namespace {
 
+constexpr std::size_t kSlicesPerSecond = 20;  // of a slow reply
+
 bool wouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK; }
 
 }  // namespace
 
 const short Connection::kReadable = POLLIN;
 const short Connection::kWritable = POLLOUT;
+const short Connection::kGone = POLLRDHUP;
 
 Connection::Connection(int socket, std::size_t largestRequest, std::chrono::milliseconds ioTimeout)
     : socket_(socket),
@@ -33,6 +36,7 @@ bool Connection::awaitRequest(std::chrono::milliseconds timeout) {
         return false;
     }
     left_ = largestRequest_;
+    bytesPerSecond_ = 0;
     return begin_ < end_ || wait(kReadable, timeout);
 }
 
@@ -56,12 +60,48 @@ ssize_t Connection::read(char* data, std::size_t size) {
     return static_cast<ssize_t>(size);
 }
 
+void Connection::cut() {
+    finish();
+    cut_ = true;
+}
+
+// The library takes a write that is not complete for a broken one.
 ssize_t Connection::write(const char* data, std::size_t size) {
+    const std::size_t slice =
+        std::max<std::size_t>(1, bytesPerSecond_ == 0 ? size : bytesPerSecond_ / kSlicesPerSecond);
+    for (std::size_t at = 0; at < size;) {
+        const ssize_t sent = cut_ ? -1 : sendSome(data + at, std::min(slice, size - at));
+        if (sent < 0) {
+            return -1;
+        }
+        at += static_cast<std::size_t>(sent);
+        if (bytesPerSecond_ != 0 &&
+            !pause(std::chrono::milliseconds(1000 * static_cast<std::size_t>(sent) / bytesPerSecond_))) {
+            return -1;
+        }
+    }
+    return static_cast<ssize_t>(size);
+}
+
+ssize_t Connection::sendSome(const char* data, std::size_t size) const {
     for (;;) {
         const ssize_t sent = ::send(socket_, data, size, MSG_DONTWAIT | MSG_NOSIGNAL);
         if (sent >= 0 || (errno != EINTR && !(wouldBlock() && wait(kWritable, ioTimeout_)))) {
             return sent;
         }
+    }
+}
+
+bool Connection::pause(std::chrono::milliseconds time) const { return !wait(kGone, time); }
+
+void Connection::drain() {
+    if (left_ > 0 || cut_) {
+        return;
+    }
+    ::shutdown(socket_, SHUT_WR);
+    const auto end = std::chrono::steady_clock::now() + ioTimeout_;
+    while (std::chrono::steady_clock::now() < end && wait(kReadable, ioTimeout_) &&
+           ::recv(socket_, buffer_.data(), buffer_.size(), MSG_DONTWAIT) > 0) {
     }
 }
 

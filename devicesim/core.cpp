@@ -14,8 +14,6 @@ namespace devicesim {
 
 namespace {
 
-constexpr int kDeepest = 64;  // nesting of a body
-
 Reply failure(int status, int code, std::string_view text) {
     return {.status = status, .body = envelope(code, text, nullptr)};
 }
@@ -23,30 +21,6 @@ Reply failure(int status, int code, std::string_view text) {
 Reply httpFailure(int status, std::string_view text) { return failure(status, status, text); }
 
 Reply refused(const Refusal& refusal) { return failure(200, static_cast<int>(refusal.failure), refusal.what()); }
-
-struct Body {
-    json value;
-    std::optional<Refusal> refusal;
-};
-
-// Texts nested deeper than kDeepest would exhaust the stack of whoever copies or writes them.
-Body parseBody(const std::string& text) {
-    try {
-        return {text.empty()
-                    ? json()
-                    : json::parse(text,
-                                  [](int depth, json::parse_event_t, const json&) {
-                                      return depth <= kDeepest
-                                                 ? true
-                                                 : throw Refusal(Failure::NotJson, "the body is nested too deeply");
-                                  }),
-                std::nullopt};
-    } catch (const json::exception&) {
-        return {nullptr, Refusal(Failure::NotJson, "the body is not JSON")};
-    } catch (const Refusal& tooDeep) {
-        return {nullptr, tooDeep};
-    }
-}
 
 }  // namespace
 
@@ -56,8 +30,10 @@ Core::Core(const Options& options, std::vector<Row> rows, json start)
       interior_{.table = table_,
                 .start = std::move(start),
                 .tokens = Tokens(options.tokenLifetime, options.tokens),
-                .reports = Reports(options.streams, options.streamQueue)} {
+                .reports = Reports(options.streams, options.streamQueue,
+                                   [this](Delivery& delivery) { interior_.faults.meet(delivery, interior_); })} {
     requireStartData();
+    timer_ = std::thread([this] { runAgenda(); });
 }
 
 void Core::requireStartData() const {
@@ -70,7 +46,7 @@ void Core::requireStartData() const {
                                                  row.verb.empty() ? fmt::format("{:x}", row.report) : row.path));
         }
     }
-    for (const auto& [row, places] : table_.reportsOf(Place(), start)) {
+    for (const auto& [row, places] : table_.allReports(start)) {
         for (const Place& place : places) {
             try {
                 row->body(*row, start, place);
@@ -82,12 +58,37 @@ void Core::requireStartData() const {
     }
 }
 
-// All replies leave the device here, as all reports leave it in `Reports::push`.
+Core::Body Core::parseBody(const std::string& text) {
+    try {
+        return {.value = text.empty() ? json() : parsed(text)};
+    } catch (const Refusal& refusal) {
+        return {.refusal = refusal};
+    }
+}
+
+void Core::setRefuseConnections(std::function<void(bool on)> refuse) {
+    const std::lock_guard lock(mutex_);
+    interior_.refuseConnections = std::move(refuse);
+}
+
+// All replies leave the device here, as all reports leave it in `Reports::push`. Nothing goes wrong on the
+// control plane.
 Reply Core::handle(const Request& request) {
     const Row* const row = table_.find(request.verb, request.path);
     const Body body = row != nullptr && request.verb != "GET" ? parseBody(request.body) : Body{};
     const std::lock_guard lock(mutex_);
     ++(row != nullptr ? interior_.requests[static_cast<std::size_t>(row - table_.rows().data())] : interior_.astray);
+    const auto struck =
+        request.path.starts_with(kControlPrefix) ? Faults::Struck() : interior_.faults.meet(request, interior_);
+    Reply reply = Faults::prevented(struck) ? Reply() : answerLocked(row, request, body);
+    Faults::spoil(struck, reply);
+    if (!interior_.agenda.empty()) {
+        wake_.notify_one();
+    }
+    return reply;
+}
+
+Reply Core::answerLocked(const Row* row, const Request& request, const Body& body) {
     if (auto closed = closedDoorLocked(request)) {
         return std::move(*closed);
     }
@@ -99,6 +100,25 @@ Reply Core::handle(const Request& request) {
         return httpFailure(request.bodyError, request.bodyError == 413 ? "the body is too large" : "unreadable body");
     }
     return body.refusal ? refused(*body.refusal) : actLocked(*row, request, body.value);
+}
+
+// Timer thread.
+void Core::runAgenda() {
+    std::unique_lock lock(mutex_);
+    while (!stopping_) {
+        const auto due = interior_.agenda.next();
+        if (due && *due <= Agenda::Clock::now()) {
+            try {
+                interior_.agenda.take()(interior_);
+            } catch (const json::exception&) {
+                // What the task was about has been changed into something else: it ends.
+            }
+        } else if (due) {
+            wake_.wait_until(lock, *due);
+        } else {
+            wake_.wait(lock);
+        }
+    }
 }
 
 Reply Core::actLocked(const Row& row, const Request& request, const json& body) {
@@ -127,8 +147,15 @@ std::optional<Reply> Core::closedDoorLocked(const Request& request) {
 }
 
 void Core::stop() {
-    const std::lock_guard lock(mutex_);
-    interior_.reports.close();
+    {
+        const std::lock_guard lock(mutex_);
+        interior_.reports.close();
+        stopping_ = true;
+        wake_.notify_one();
+    }
+    if (timer_.joinable()) {
+        timer_.join();
+    }
 }
 
 }  // namespace devicesim

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace devicesim {
 
@@ -16,6 +17,10 @@ struct Options {
     std::chrono::milliseconds heartbeat{1000};  ///< silence on the stream of reports ends after this time
     std::chrono::milliseconds tokenLifetime{std::chrono::hours(24)};
     bool remoteControl = false;  ///< the control plane answers other hosts too
+
+    // Faults from the start: rules as JSON, each text one or a list of them.
+    std::vector<std::string> faults = {};
+    std::vector<std::string> faultFiles = {};
 
     // Bounds.
     std::size_t largestBody = 8 << 20;          ///< bytes of a request's body
@@ -34,7 +39,8 @@ std::string defaultDataFolder();
 /// thread-safe.
 class Device {
 public:
-    /// Starts. Throws std::runtime_error with one clear text for a bad option, bad start data or a busy port.
+    /// Starts. Throws std::runtime_error with one clear text for a bad option, bad start data, a bad rule or a
+    /// busy port.
     explicit Device(const Options& options = {});
     ~Device();
     Device(const Device&) = delete;
@@ -43,6 +49,10 @@ public:
     /// "http://HOST:PORT", without a slash at the end.
     const std::string& url() const;
     int port() const;
+
+    /// A request to the control plane that needs no connection: the data of its reply, as JSON. Throws
+    /// std::runtime_error with the message of one that is refused.
+    std::string control(const std::string& verb, const std::string& path, const std::string& body = "");
 
     /// Cuts all connections and returns when no thread is left. A second call does nothing.
     void stop();

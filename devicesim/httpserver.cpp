@@ -1,25 +1,23 @@
 #include "devicesim/httpserver.h"
 
-#include <fmt/format.h>
 #include <httplib.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <chrono>
-#include <cstring>
-#include <future>
 #include <limits>
 #include <mutex>
 #include <set>
-#include <stdexcept>
+#include <string>
 #include <string_view>
-#include <thread>
+#include <utility>
+#include <vector>
 
 #include "devicesim/connection.h"
 #include "devicesim/devicesim.h"
+#include "devicesim/listener.h"
 #include "devicesim/reports.h"
 
 namespace devicesim {
@@ -54,6 +52,67 @@ Request convert(const httplib::Request& request) {
             .local = isLoopback(request.remote_addr)};
 }
 
+// The connection that this thread of the pool serves: the library doesn't tell its handlers.
+thread_local Connection* served = nullptr;
+
+// At most `limit`.
+std::uint64_t lengthOf(const Piece& piece, std::uint64_t limit) {
+    const std::uint64_t size = std::max<std::size_t>(1, piece.text.size());
+    return piece.times > limit / size ? limit : piece.text.size() * piece.times;
+}
+
+std::uint64_t lengthOf(const std::vector<Piece>& pieces) {
+    std::uint64_t length = 0;
+    for (const Piece& piece : pieces) {
+        length += lengthOf(piece, kForever - length);
+    }
+    return length;
+}
+
+// In blocks, so that a body of any length needs little memory. False if the client takes no more.
+bool writePieces(const std::vector<Piece>& pieces, std::uint64_t length, const httplib::DataSink& sink) {
+    constexpr std::size_t kBlock = 32 << 10;
+    for (const Piece& piece : pieces) {
+        const std::uint64_t inBlock = std::min(piece.times, kBlock / std::max<std::size_t>(1, piece.text.size()) + 1);
+        std::string block;
+        for (std::uint64_t i = 0; i < inBlock; ++i) {
+            block += piece.text;
+        }
+        for (std::uint64_t left = lengthOf(piece, length); left > 0;) {
+            const std::uint64_t size = std::min<std::uint64_t>(left, block.size());
+            if (!sink.write(block.data(), size)) {
+                return false;
+            }
+            left -= size;
+            length -= size;
+        }
+    }
+    return true;
+}
+
+// A body that faults have made: of pieces, or cut.
+void sendPieces(Reply reply, httplib::Response& response) {
+    const char* const kType = "application/json";
+    if (reply.pieces.empty()) {
+        reply.pieces.push_back({std::move(reply.body)});
+    }
+    const std::uint64_t whole = lengthOf(reply.pieces);
+    const std::uint64_t sent = std::min(whole, reply.end.value_or(kForever));
+    const std::uint64_t told = reply.endTold ? sent : whole;
+    const auto write = [pieces = std::move(reply.pieces), sent, told](httplib::DataSink& sink) {
+        return writePieces(pieces, sent, sink) && sent == told;
+    };
+    if (told == 0) {
+        response.set_header("Content-Type", kType);
+    } else if (told == kForever) {
+        response.set_chunked_content_provider(kType,
+                                              [write](std::size_t, httplib::DataSink& sink) { return write(sink); });
+    } else {
+        response.set_content_provider(
+            told, kType, [write](std::size_t, std::size_t, httplib::DataSink& sink) { return write(sink); });
+    }
+}
+
 }  // namespace
 
 class HttpServer::Impl : private httplib::Server {
@@ -61,13 +120,13 @@ public:
     Impl(const devicesim::Options& options, HttpServer::Handler handler);
     ~Impl() override { shutDown(); }
 
-    int port() const { return port_; }
+    int port() const { return listener_.port(); }
+    void refuse(bool on) { listener_.refuse(on); }
     void shutDown();
 
 private:
     void addRoutes();
-    void listenOn(const std::string& host, int port);
-    bool process_and_close_socket(socket_t socket) override;
+    void serve(int socket);
     void prepare(Connection& connection, httplib::Request& request) const;
     void readBody(const httplib::Request& from, const httplib::ContentReader& reader, Request& request) const;
     void respond(Reply reply, httplib::Response& response) const;
@@ -78,14 +137,14 @@ private:
     const std::chrono::milliseconds heartbeat_;
     const std::chrono::milliseconds keepAlive_;
     const std::chrono::milliseconds ioTimeout_;
-    int port_ = 0;
-    std::promise<void> running_;
-    std::thread listener_;
 
     std::mutex mutex_;
     // Guarded by mutex_.
-    std::set<socket_t> sockets_;  // being served
+    std::set<int> sockets_;  // being served
     bool stopping_ = false;
+
+    Listener listener_;
+    httplib::ThreadPool pool_;
 };
 
 HttpServer::Impl::Impl(const devicesim::Options& options, HttpServer::Handler handler)
@@ -93,39 +152,16 @@ HttpServer::Impl::Impl(const devicesim::Options& options, HttpServer::Handler ha
       largestBody_(options.largestBody),
       heartbeat_(options.heartbeat),
       keepAlive_(options.keepAlive),
-      ioTimeout_(options.ioTimeout) {
+      ioTimeout_(options.ioTimeout),
+      listener_(options.bind, options.port),
+      pool_(options.threads) {
     addRoutes();
-    set_tcp_nodelay(true);
     // What the replies promise; the connections see to it themselves.
     set_keep_alive_timeout(std::max<time_t>(1, std::chrono::duration_cast<std::chrono::seconds>(keepAlive_).count()));
     set_keep_alive_max_count(std::numeric_limits<int>::max());
-    // The library's default would let two servers share a port.
-    set_socket_options([](socket_t socket) {
-        const int on = 1;
-        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    });
-    listenOn(options.bind, options.port);
-
-    // The library calls this once it counts as running; stopped earlier it would run on.
-    new_task_queue = [this, threads = options.threads] {
-        auto pool = std::make_unique<httplib::ThreadPool>(threads);
-        running_.set_value();
-        return pool.release();
-    };
-    listener_ = std::thread([this] { listen_after_bind(); });
-    running_.get_future().wait();
-}
-
-void HttpServer::Impl::listenOn(const std::string& host, int port) {
-    errno = 0;
-    port_ = port == 0 ? bind_to_any_port(host) : bind_to_port(host, port) ? port : -1;
-    if (port_ < 0) {
-        const bool bindFailed = errno == EADDRINUSE || errno == EADDRNOTAVAIL || errno == EACCES;
-        throw std::runtime_error(fmt::format("cannot listen on {} port {}: {}; choose another address or port", host,
-                                             port, bindFailed ? std::strerror(errno) : "no such address"));
-    }
-    // The library's queue of five makes a client that opens many connections at once wait for seconds.
-    ::listen(svr_sock_, SOMAXCONN);
+    // The library never accepts here, but writes streams only while it believes that it does.
+    svr_sock_ = 0;
+    listener_.start([this](int socket) { pool_.enqueue([this, socket] { serve(socket); }); });
 }
 
 // All paths lead to the one handler: the core has the table of routes.
@@ -136,36 +172,40 @@ void HttpServer::Impl::addRoutes() {
         readBody(from, reader, request);
         respond(handler_(request), response);
     };
-    Get(".*", [this](const httplib::Request& from, httplib::Response& response) {
+    const auto withoutBody = [this](const httplib::Request& from, httplib::Response& response) {
         Request request = convert(from);
         request.body = from.body;
         respond(handler_(request), response);
-    });
+    };
+    Get(".*", withoutBody);
+    Options(".*", withoutBody);
     Post(".*", withBody);
     Put(".*", withBody);
+    Patch(".*", withBody);
     Delete(".*", withBody);
 }
 
 // Runs in a thread of the pool, as do the handlers that it calls.
-bool HttpServer::Impl::process_and_close_socket(socket_t socket) {
-    bool serve = false;
+void HttpServer::Impl::serve(int socket) {
+    bool welcome = false;
     {
         const std::lock_guard lock(mutex_);
-        serve = !stopping_ && sockets_.insert(socket).second;
+        welcome = !stopping_ && sockets_.insert(socket).second;
     }
-    if (serve) {
+    if (welcome) {
         Connection connection(socket, largestBody_ + kHeaderRoom, ioTimeout_);
+        served = &connection;
         bool closed = false;
         while (!closed && connection.awaitRequest(keepAlive_) &&
                process_request(connection, false, closed,
                                [&](httplib::Request& request) { prepare(connection, request); })) {
         }
+        connection.drain();
         const std::lock_guard lock(mutex_);
         sockets_.erase(socket);
     }
     ::shutdown(socket, SHUT_RDWR);
     ::close(socket);
-    return true;
 }
 
 // Headers are read, the body is not.
@@ -192,64 +232,89 @@ void HttpServer::Impl::prepare(Connection& connection, httplib::Request& request
     }
 }
 
-// Reads to the end also what is too large, so that the next request is found; the connection bounds that. Of
-// a form the parts' contents are the body.
+// What is too large isn't read to its end. The parts of a form are kept apart.
 void HttpServer::Impl::readBody(const httplib::Request& from, const httplib::ContentReader& reader,
                                 Request& request) const {
     if (!from.has_header("Content-Length") && !from.has_header("Transfer-Encoding")) {
         return;
     }
+    std::size_t left = largestBody_;
+    std::string* content = &request.body;
     const auto append = [&](const char* data, std::size_t size) {
-        if (request.body.size() + size > largestBody_) {
+        if (size > left) {
             request.bodyError = 413;
+            return false;
         }
-        if (request.bodyError == 0) {
-            request.body.append(data, size);
-        }
+        left -= size;
+        content->append(data, size);
         return true;
     };
-    const bool whole = from.is_multipart_form_data()
-                           ? reader([](const httplib::MultipartFormData&) { return true; }, append)
-                           : reader(append);
-    if (!whole && request.bodyError == 0) {
+    const auto beginPart = [&](const httplib::MultipartFormData& part) {
+        request.parts.push_back({part.name, part.filename, part.content_type});
+        content = &request.parts.back().bytes;
+        return true;
+    };
+    if (from.get_header_value<std::uint64_t>("Content-Length") > largestBody_ + kHeaderRoom) {
+        request.bodyError = 413;
+    } else if (!(from.is_multipart_form_data() ? reader(beginPart, append) : reader(append)) &&
+               request.bodyError == 0) {
         request.bodyError = 400;
+    }
+    if (request.bodyError != 0) {
+        served->finish();
     }
 }
 
 void HttpServer::Impl::respond(Reply reply, httplib::Response& response) const {
+    Connection* const connection = served;
+    connection->slowDown(reply.bytesPerSecond);
+    const bool gone = reply.delay.count() > 0 && !connection->pause(reply.delay);
+    if (gone || reply.lost) {
+        connection->cut();
+    }
     response.status = reply.status;
-    if (!reply.stream) {
+    if (reply.stream) {
+        response.set_header("Cache-Control", "no-cache");
+        response.set_chunked_content_provider(
+            "text/event-stream", [connection, stream = std::move(reply.stream), heartbeat = heartbeat_](
+                                     std::size_t, httplib::DataSink& sink) {
+                const auto text = stream->next(heartbeat);
+                // Nothing is written to a client of a mute stream that could tell that it has gone.
+                return text && (text->empty() ? connection->pause(std::chrono::milliseconds(0))
+                                              : sink.write(text->data(), text->size()));
+            });
+        return;
+    }
+    if (!connection->mayGoOn()) {
+        response.set_header("Connection", "close");
+    }
+    if (reply.pieces.empty() && !reply.end) {
         response.set_header("Content-Type", "application/json");
         response.body = std::move(reply.body);
         return;
     }
-    response.set_header("Cache-Control", "no-cache");
-    response.set_chunked_content_provider(
-        "text/event-stream",
-        [stream = std::move(reply.stream), heartbeat = heartbeat_](std::size_t, httplib::DataSink& sink) {
-            const auto text = stream->next(heartbeat);
-            return text && sink.write(text->data(), text->size());
-        });
+    sendPieces(std::move(reply), response);
 }
 
 void HttpServer::Impl::shutDown() {
     {
         const std::lock_guard lock(mutex_);
-        stopping_ = true;
-        for (const socket_t socket : sockets_) {
+        if (std::exchange(stopping_, true)) {
+            return;
+        }
+        for (const int socket : sockets_) {
             ::shutdown(socket, SHUT_RDWR);
         }
     }
-    stop();
-    if (listener_.joinable()) {
-        listener_.join();
-    }
+    listener_.stop();
+    pool_.shutdown();
 }
 
 HttpServer::HttpServer(const Options& options, Handler handler)
     : impl_(std::make_unique<Impl>(options, std::move(handler))) {}
 HttpServer::~HttpServer() = default;
 int HttpServer::port() const { return impl_->port(); }
+void HttpServer::refuse(bool on) { impl_->refuse(on); }
 void HttpServer::stop() { impl_->shutDown(); }
 
 }  // namespace devicesim

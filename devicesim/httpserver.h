@@ -21,6 +21,8 @@ public:
     ~HttpServer();
 
     int port() const;
+    /// While it is on, new connections are refused; those that are open stay.
+    void refuse(bool on);
     /// Cuts all connections, joins all threads. Streams must have been closed before.
     void stop();
 

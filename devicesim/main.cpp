@@ -46,6 +46,10 @@ int main(int argc, char** argv) {
 
     CLI::App app("The simulated device. Prints its URL and runs until SIGTERM or SIGINT.", "lcddevicesim");
     app.option_defaults()->always_capture_default();
+    app.footer(
+        "A fault is a rule such as {\"kind\":\"delay\",\"ms\":200,\"path\":\"/zelto/v1/layer\",\"probability\":0.1}.\n"
+        "One of an unknown kind is refused with the names of all. /sim/faults shows, adds and removes rules at run "
+        "time.");
     app.add_option("--port", options.port, "TCP port, 0 for a free one")->check(CLI::Range(0, 65535));
     app.add_option("--bind", options.bind, "address to listen on");
     app.add_option("--data", options.dataFolder, "folder of the start data, *.json")
@@ -56,6 +60,14 @@ int main(int argc, char** argv) {
     app.add_option("--max-body", options.largestBody, "largest body of a request in bytes");
     app.add_option("--max-streams", options.streams, "most streams of reports at once")
         ->check(CLI::Range(std::size_t{0}, options.threads - 1));
+    app.add_option("--fault", options.faults, "a fault from the start, as JSON; may be repeated")
+        ->type_name("JSON")
+        ->take_all()
+        ->expected(1);
+    app.add_option("--faults", options.faultFiles, "file with a fault or a list of them, as JSON; may be repeated")
+        ->type_name("FILE")
+        ->take_all()
+        ->expected(1);
     app.add_flag("--remote-control", options.remoteControl, "let other hosts use the control plane under /sim");
     try {
         app.parse(argc, argv);

@@ -23,7 +23,12 @@ void appendData(std::string& event, std::string_view text) {
     }
 }
 
+std::string commentOf(const std::string& position) { return fmt::format(": {}\n", position); }
+
 }  // namespace
+
+ReportStream::ReportStream(std::size_t bound, std::string position)
+    : bound_(bound), position_(std::move(position)), pending_(commentOf(position_)) {}
 
 bool ReportStream::push(std::string_view text) {
     const std::lock_guard lock(mutex_);
@@ -31,7 +36,7 @@ bool ReportStream::push(std::string_view text) {
         closed_ = true;
         pending_ = {};
     }
-    if (!closed_) {
+    if (!closed_ && !ending_ && !mute_) {
         pending_ += text;
     }
     wake_.notify_one();
@@ -44,7 +49,13 @@ std::optional<std::string> ReportStream::next(std::chrono::milliseconds heartbea
     if (closed_) {
         return std::nullopt;
     }
-    return pending_.empty() ? ":\n" : std::exchange(pending_, {});
+    closed_ = ending_;
+    return !pending_.empty() ? std::exchange(pending_, {}) : mute_ ? "" : commentOf(position_);
+}
+
+void ReportStream::setPosition(std::string position) {
+    const std::lock_guard lock(mutex_);
+    position_ = std::move(position);
 }
 
 void ReportStream::close() {
@@ -54,54 +65,113 @@ void ReportStream::close() {
     wake_.notify_one();
 }
 
-Reports::Reports(std::size_t streams, std::size_t streamQueue)
-    : streamQueue_(streamQueue), streamLimit_(streams), epoch_(randomHex(2)) {}
+void ReportStream::end() {
+    const std::lock_guard lock(mutex_);
+    ending_ = true;
+    closed_ = closed_ || pending_.empty();
+    wake_.notify_one();
+}
+
+void ReportStream::mute(bool on) {
+    const std::lock_guard lock(mutex_);
+    mute_ = on;
+    pending_ = {};
+}
+
+Reports::Reports(std::size_t streams, std::size_t streamQueue, Meet meet)
+    : streamQueue_(streamQueue), meet_(std::move(meet)), streamLimit_(streams), epoch_(randomHex(2)) {}
 
 std::shared_ptr<ReportStream> Reports::open() {
     if (streamsOpen() >= streamLimit_) {
         return nullptr;
     }
-    auto stream = std::make_shared<ReportStream>(streamQueue_);
+    auto stream = std::make_shared<ReportStream>(streamQueue_, position());
+    if (mute_) {
+        stream->mute(true);
+    }
     streams_.push_back(stream);
     return stream;
 }
 
-void Reports::push(const Report& report) {
-    ++sent_;
-    std::string event = fmt::format("event: {:x}\nid: {}-{}\n", report.id, epoch_, ++number_);
+void Reports::push(Report report) {
+    Delivery delivery{std::move(report)};
+    if (meet_) {
+        meet_(delivery);
+    }
+    number_ += delivery.skip + 1;
+    Outgoing outgoing{eventOf(delivery.report), delivery.copies, delivery.wait, delivery.cut};
+    for (const auto& spoil : delivery.spoils) {
+        spoil(outgoing.event);
+    }
+    if (outgoing.wait == 0) {
+        send(outgoing);
+    }
+    for (Outgoing& earlier : waiting_) {
+        if (--earlier.wait == 0) {
+            send(earlier);
+        }
+    }
+    std::erase_if(waiting_, [](const Outgoing& earlier) { return earlier.wait == 0; });
+    if (outgoing.wait > 0) {
+        waiting_.push_back(std::move(outgoing));
+    }
+    eachStream([this](ReportStream& stream) { return stream.setPosition(position()), true; });
+}
+
+std::string Reports::position() const { return fmt::format("{}-{}", epoch_, number_); }
+
+std::string Reports::eventOf(const Report& report) const {
+    std::string event = fmt::format("event: {:x}\nid: {}\n", report.id, position());
     fmt::format_to(std::back_inserter(event), "data: {{\"token\":{},\"sequence\":{}}}\n",
                    nlohmann::json(report.source.token).dump(), report.source.sequence);
     appendData(event, report.body);
     event += '\n';
-    std::erase_if(streams_, [&event](const auto& weak) {
-        const auto stream = weak.lock();
-        return !stream || !stream->push(event);
-    });
+    return event;
+}
+
+void Reports::send(const Outgoing& outgoing) {
+    for (int copy = 0; copy < outgoing.copies; ++copy) {
+        ++sent_;
+        eachStream([&outgoing](ReportStream& stream) { return stream.push(outgoing.event); });
+    }
+    if (outgoing.cut) {
+        eachStream([](ReportStream& stream) { return stream.end(), false; });
+    }
 }
 
 void Reports::restart() {
-    closeStreams();
+    cutStreams();
     epoch_ = randomHex(2);
     number_ = 0;
+    waiting_.clear();
 }
 
 void Reports::close() {
-    closeStreams();
+    cutStreams();
     streamLimit_ = 0;
 }
 
-void Reports::closeStreams() {
-    for (const auto& weak : streams_) {
-        if (const auto stream = weak.lock()) {
-            stream->close();
-        }
-    }
-    streams_.clear();
+void Reports::cutStreams() {
+    eachStream([](ReportStream& stream) { return stream.close(), false; });
+}
+
+void Reports::mute(bool on) {
+    mute_ = on;
+    eachStream([on](ReportStream& stream) { return stream.mute(on), true; });
 }
 
 std::size_t Reports::streamsOpen() {
-    std::erase_if(streams_, [](const auto& weak) { return weak.expired(); });
+    eachStream([](ReportStream&) { return true; });
     return streams_.size();
+}
+
+// Forgets the streams that have gone, and those for which `act` says false.
+template <class Act>
+void Reports::eachStream(Act&& act) {
+    std::erase_if(streams_, [&act](const auto& weak) {
+        const auto stream = weak.lock();
+        return !stream || !act(*stream);
+    });
 }
 
 }  // namespace devicesim

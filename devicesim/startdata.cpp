@@ -33,6 +33,32 @@ json loadFile(const fs::path& path) {
     }
 }
 
+// Records that leave out what is as in `fallback` get it from there.
+void completeList(json& list, const json& fallback) {
+    for (json& record : list) {
+        json whole = fallback;
+        whole.merge_patch(record);
+        record = std::move(whole);
+    }
+}
+
+// A file with a record named "default" means it for all its lists: its own, and those of the other modes.
+void complete(json& file) {
+    if (!file.is_object() || !file.contains("default")) {
+        return;
+    }
+    const json fallback = file["default"];
+    for (const auto& item : file.items()) {
+        if (item.value().is_array()) {
+            completeList(item.value(), fallback);
+        } else if (item.key() == "modes") {
+            for (json& list : item.value()) {
+                completeList(list, fallback);
+            }
+        }
+    }
+}
+
 }  // namespace
 
 json loadStartData(const std::string& folder) {
@@ -40,7 +66,8 @@ json loadStartData(const std::string& folder) {
     json data = json::object();
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
         if (entry->path().extension() == ".json") {
-            data[entry->path().stem().string()] = loadFile(entry->path());
+            json& file = data[entry->path().stem().string()] = loadFile(entry->path());
+            complete(file);
         }
     }
     if (error) {

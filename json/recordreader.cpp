@@ -8,13 +8,15 @@
 
 // The reader knows two ways through a text. The fast one compares the text with the key that is expected next
 // and parses the value where the cursor stands. Wherever something else turns up, it steps back and the token
-// path decides, which alone knows all that is tolerated and raises all errors.
+// path decides, which alone knows all that is tolerated and raises all errors. It is kept out of line, so that the
+// fast one has the registers.
 
 namespace ajson::detail {
 
 namespace {
 
-constexpr bool is_blank(char c) { return static_cast<unsigned char>(c) <= ' '; }
+const char* read_record(reader& in, const char* at, const record_table& table, char* object);
+
 constexpr unsigned digit_of(char c) { return static_cast<unsigned>(c) - '0'; }
 
 // ---------------------------------------------------------------------- scalars from a token
@@ -110,20 +112,22 @@ void scalar_from_token(reader& in, value_kind kind, void* member) {
 
 /// The end of a plain integer at `at`, or null when the token path must decide.
 inline const char* plain_integer(const char* at, std::int32_t& out) {
-    const bool negative = *at == '-';
-    at += negative;
     unsigned digit = digit_of(*at);
+    bool negative = false;
     if (digit > 9) {
-        return nullptr;
+        if (*at != '-' || (digit = digit_of(*++at)) > 9) {
+            return nullptr;
+        }
+        negative = true;
     }
-    std::uint64_t magnitude = digit;
+    std::uint32_t magnitude = digit;  // what overflows is cut off in the end
     while ((digit = digit_of(*++at)) <= 9) {
         magnitude = magnitude * 10 + digit;
     }
-    if (*at == '.' || (*at | 0x20) == 'e') {
+    if (*at != ',' && *at != '}' && (*at == '.' || (*at | 0x20) == 'e')) {
         return nullptr;
     }
-    out = cut_to_32(magnitude, negative);
+    out = static_cast<std::int32_t>(negative ? 0 - magnitude : magnitude);
     return at;
 }
 
@@ -145,35 +149,18 @@ inline const char* plain_text(const char* at, const char* end, std::string& out)
 
 // ---------------------------------------------------------------------------------- records
 
-/// Whether the text at `at` is `"name":`. Reads the key's bytes only, in words that may overlap.
-inline bool is_key(const char* at, const char* end, const field& expected) {
-    const std::uint32_t size = expected.quoted_size;
-    const char* key = expected.key + 1;
-    if (end - at < static_cast<std::ptrdiff_t>(size)) {
-        return false;
-    }
-    if (size >= 8) {
-        std::uint32_t done = 0;
-        do {
-            if (load8(at + done) != load8(key + done)) {
-                return false;
-            }
-            done += 8;
-        } while (done + 8 <= size);
-        return load8(at + size - 8) == load8(key + size - 8);
-    }
-    std::uint32_t first[2];
-    std::uint32_t last[2];
-    std::memcpy(&first[0], at, 4);
-    std::memcpy(&first[1], key, 4);
-    std::memcpy(&last[0], at + size - 4, 4);
-    std::memcpy(&last[1], key + size - 4, 4);
-    return first[0] == first[1] && last[0] == last[1];
+/// Whether the text at `at` is the key of the field that is expected.
+inline bool is_key(const char* at, const field& expected) {
+    const std::uint64_t differences =
+        (load8(at) ^ expected.first_word) | (load8(at + expected.reach - 8) ^ expected.last_word);
+    return (differences & expected.mask) == 0 &&
+           (expected.key_size <= 16 || std::memcmp(at + 8, expected.key + 8, expected.key_size - 16u) == 0);
 }
 
 const field* find_field(const record_table& table, const token& key) {
     for (const field& each : table.fields) {
-        if (each.name.len == key.length && std::memcmp(each.name.str, key.text, key.length) == 0) {
+        const string_ref name = each.name();
+        if (name.len == key.length && std::memcmp(name.str, key.text, key.length) == 0) {
             return &each;
         }
     }
@@ -195,7 +182,7 @@ const field* key_from_tokens(reader& in, const record_table& table) {
 }
 
 /// Passes what stands between two members. False when it was the record's end.
-bool separator_from_tokens(reader& in) {
+[[gnu::cold]] bool separator_from_tokens(reader& in) {
     in.next();
     if (in.current().starts_with('}')) {
         return false;
@@ -208,7 +195,7 @@ bool separator_from_tokens(reader& in) {
 
 /// Passes the opening brace. False when the record is empty: its closing brace is then left where it stands,
 /// and the reader above takes it for its own.
-bool enter_record(reader& in) {
+[[gnu::cold]] bool enter_record(reader& in) {
     in.next();
     if (!in.current().starts_with('{')) {
         in.error("read object must start with {!");
@@ -219,68 +206,100 @@ bool enter_record(reader& in) {
     return !empty;
 }
 
-void read_record(reader& in, const record_table& table, char* object) {
+/// Passes a key by tokens. The field of that name, or null after its value was passed, too.
+[[gnu::cold]] const field* any_key(reader& in, const record_table& table) {
+    const field* const member = key_from_tokens(in, table);
+    if (member == nullptr) {
+        skip(in);
+    }
+    return member;
+}
+
+[[gnu::cold]] const char* value_from_tokens(reader& in, const char* at, const field& member, char* object) {
+    in.set_cursor(at);
+    read_value(in, member.type, object + member.offset);
+    return in.cursor();
+}
+
+/// Reads the value of a member at `at`, in the fast way where there is one, and gives its end.
+inline const char* read_member(reader& in, const char* at, const field& member, char* object) {
+    char* const target = object + member.offset;
+    for (;;) {
+        const char* behind = nullptr;
+        switch (member.type.kind) {
+            case value_kind::integer:
+                behind = plain_integer(at, *reinterpret_cast<std::int32_t*>(target));
+                break;
+            case value_kind::record:
+                return read_record(in, at, member.type.record(), target);
+            case value_kind::text:
+                behind = plain_text(at, in.buffer_end(), *reinterpret_cast<std::string*>(target));
+                break;
+            default:
+                return value_from_tokens(in, at, member, object);
+        }
+        if (behind != nullptr) {
+            return behind;
+        }
+        const char* const value = skip_blanks(at, in.buffer_end());
+        if (value == at) {
+            return value_from_tokens(in, at, member, object);
+        }
+        at = value;
+    }
+}
+
+/// Reads the record at `at` and gives its end.
+const char* read_record(reader& in, const char* start, const record_table& table, char* object) {
     const char* const end = in.buffer_end();
-    const char* at = in.cursor();
-    at += *at == '{';
-    at = is_blank(*at) ? skip_blanks(at, end) : at;
-    if (at == in.cursor() || at[0] != '"' || at[1] == '}') {
+    const char* const safe_end = end - table.longest_reach;
+    const char* at = skip_blanks(start, end);
+    const bool opened = *at == '{';
+    at = skip_blanks(at + opened, end);
+    if (!opened || at[0] != '"' || at[1] == '}') {
+        in.set_cursor(start);
         if (!enter_record(in)) {
-            return;
+            return in.cursor();
         }
         at = in.cursor();
     }
-    std::size_t slot = 0;
+    std::atomic<const field*>* guess = &table.first;
     for (;;) {
-        if (is_blank(*at)) {
-            at = skip_blanks(at, end);
-        }
-        const field* member = &table.fields[table.guesses[slot].load(std::memory_order_relaxed)];
-        if (is_key(at, end, *member)) {
-            at += member->quoted_size;
-            slot = static_cast<std::size_t>(member - table.fields.data()) + 1;
+        const field* member = guess->load(std::memory_order_relaxed);
+        const auto comes = [&] { return (at <= safe_end || end - at >= member->reach) && is_key(at, *member); };
+        if (comes() || (is_blank(*at) && (at = skip_blanks(at, end), comes()))) {  // compact texts come first
+            at += member->key_size;
         } else {
             in.set_cursor(at);
-            member = key_from_tokens(in, table);
-            if (member != nullptr) {
-                const auto index = static_cast<std::size_t>(member - table.fields.data());
-                table.guesses[slot].store(static_cast<std::uint16_t>(index), std::memory_order_relaxed);
-                slot = index + 1;
-            } else {
-                skip(in);
-            }
+            member = any_key(in, table);
             at = in.cursor();
+            if (member != nullptr) {
+                guess->store(member, std::memory_order_relaxed);
+            }
         }
         if (member != nullptr) {
-            if (is_blank(*at)) {
-                at = skip_blanks(at, end);
-            }
-            char* const target = object + member->offset;
-            const char* behind = nullptr;
-            if (member->type.kind == value_kind::integer) {
-                behind = plain_integer(at, *reinterpret_cast<std::int32_t*>(target));
-            } else if (member->type.kind == value_kind::text) {
-                behind = plain_text(at, end, *reinterpret_cast<std::string*>(target));
-            }
-            if (behind == nullptr) {
-                in.set_cursor(at);
-                read_value(in, member->type, target);
-                behind = in.cursor();
-            }
-            at = behind;
+            guess = &member->next;
+            at = read_member(in, at, *member, object);
         }
         if (*at == ',') {
             ++at;
+            continue;
+        }
+        if (*at == '}') {
+            return at + 1;
+        }
+        at = skip_blanks(at, end);
+        if (*at == ',') {
+            ++at;
         } else if (*at == '}') {
-            in.set_cursor(at + 1);
-            return;
+            return at + 1;
         } else {
             in.set_cursor(at);
             const bool more = separator_from_tokens(in);
-            if (!more) {
-                return;
-            }
             at = in.cursor();
+            if (!more) {
+                return at;
+            }
         }
     }
 }
@@ -355,9 +374,10 @@ container read_sequence(reader& in, const sequence_table& table, void* sequence)
 void read_value(reader& in, const value_type& type, void* member) {
     switch (type.kind) {
         case value_kind::record:
-            return read_record(in, *type.record, static_cast<char*>(member));
+            in.set_cursor(read_record(in, in.cursor(), type.record(), static_cast<char*>(member)));
+            return;
         case value_kind::sequence:
-            read_sequence(in, *type.sequence, member);
+            read_sequence(in, type.sequence(), member);
             return;
         default:
             return scalar_from_token(in, type.kind, member);
@@ -365,7 +385,7 @@ void read_value(reader& in, const value_type& type, void* member) {
 }
 
 void read_document(reader& in, const value_type& type, void* out) {
-    if (type.kind == value_kind::sequence && read_sequence(in, *type.sequence, out) == container::elements) {
+    if (type.kind == value_kind::sequence && read_sequence(in, type.sequence(), out) == container::elements) {
         return;
     }
     if (type.kind != value_kind::sequence) {

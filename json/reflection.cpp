@@ -1,6 +1,9 @@
 #include "json/reflection.h"
 
+#include <algorithm>
 #include <cstring>
+
+#include "json/scan.h"
 
 namespace ajson::detail {
 
@@ -9,8 +12,10 @@ namespace {
 constexpr const char* kSeparators = ",\t\n\f\r ";
 
 /// Most bytes that a member takes when written; strings and containers reserve for themselves.
-std::size_t flat_size_of(value_kind kind) {
-    switch (kind) {
+std::size_t flat_size_of(const value_type& type) {
+    switch (type.kind) {
+        case value_kind::record:
+            return type.record().flat_size;
         case value_kind::integer:
             return sizeof("-2147483648");
         case value_kind::boolean:
@@ -33,20 +38,33 @@ std::vector<string_ref> split_fields(const char* literal) {
     return names;
 }
 
-record_table::record_table(const char* literal, const member* members, std::size_t count)
-    : flat_size(2), guesses(std::make_unique<std::atomic<std::uint16_t>[]>(count + 1)) {
+void field::set(const char* key_text, std::size_t length, const member& value) {
+    key = key_text;
+    key_size = static_cast<std::uint16_t>(length);
+    reach = std::max<std::uint16_t>(key_size, 8);
+    first_word = load8(key);
+    last_word = load8(key + reach - 8);
+    mask = ~std::uint64_t{0} >> (length < 8 ? 64 - 8 * length : 0);
+    offset = static_cast<std::uint32_t>(value.offset);
+    type = value.type;
+}
+
+record_table::record_table(const char* literal, const member* members, std::size_t count) : fields(count) {
     const std::vector<string_ref> names = split_fields(literal);
-    keys_.reserve(std::strlen(literal) + names.size() * sizeof(",\"\":"));  // never moves: fields point into it
     for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t start = keys_.size();
         keys_.append(i == 0 ? "{\"" : ",\"").append(names[i].str, names[i].len).append("\":");
-        const auto length = static_cast<std::uint32_t>(keys_.size() - start);
-        fields.push_back({names[i], keys_.data() + start, length - 1, static_cast<std::uint32_t>(members[i].offset),
-                          members[i].type});
-        flat_size += length + flat_size_of(members[i].type.kind);
-        guesses[i].store(static_cast<std::uint16_t>(i), std::memory_order_relaxed);
     }
-    guesses[count].store(0, std::memory_order_relaxed);
+    keys_.append(kKeyWord, '\0');
+    const char* key = keys_.data();
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t written = names[i].len + std::strlen("{\"\":");
+        fields[i].set(key + 1, written - 1, members[i]);
+        fields[i].next = &fields[(i + 1) % count];
+        key += written;
+        longest_reach = std::max<std::ptrdiff_t>(longest_reach, fields[i].reach);
+        flat_size += written + flat_size_of(members[i].type);
+    }
+    first = fields.data();
 }
 
 }  // namespace ajson::detail

@@ -12,8 +12,8 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <list>
-#include <memory>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -45,8 +45,10 @@ struct sequence_table;
 /// What a member's type means to the reader and the writer.
 struct value_type {
     value_kind kind;
-    const record_table* record = nullptr;
-    const sequence_table* sequence = nullptr;
+    const void* table = nullptr;  ///< of a record or sequence
+
+    const record_table& record() const { return *static_cast<const record_table*>(table); }
+    const sequence_table& sequence() const { return *static_cast<const sequence_table*>(table); }
 };
 
 /// A vector or list, seen without its element type.
@@ -54,7 +56,7 @@ struct sequence_table {
     value_type element;
     /// Appends a default-constructed element and gives its address.
     void* (*append)(void* sequence);
-    bool (*empty)(const void* sequence);
+    std::size_t (*size)(const void* sequence);
     void (*each)(const void* sequence, void* context, void (*visit)(void* context, const void* element));
 };
 
@@ -63,12 +65,25 @@ struct member {
     value_type type;
 };
 
-struct field {
-    string_ref name;
-    const char* key;            ///< the key as it is written, with what stands before it: `{"a":` or `,"b":`
-    std::uint32_t quoted_size;  ///< length of `"a":`, which starts at key + 1
+/// Keys are copied in words of this size, the last one past the key's end.
+inline constexpr std::size_t kKeyWord = 16;
+
+/// A member with its key `"name":` ready to be compared in words. Fills a cache line.
+struct alignas(64) field {
+    void set(const char* key_text, std::size_t length, const member& value);
+    string_ref name() const { return {key + 1, key_size - std::strlen("\"\":")}; }
+
+    std::uint64_t first_word;
+    std::uint64_t last_word;
+    std::uint64_t mask;  ///< the bytes of both words that belong to the key
+    const char* key;     ///< what stands before it when written, "{" or ",", is in front of it
+    std::uint16_t key_size;
+    std::uint16_t reach;  ///< where the last word ends: at the key's end, but not before the first word does
     std::uint32_t offset;
     value_type type;
+    /// The field that last came after this one. Only ever compared with the text, so threads may overwrite each
+    /// other's.
+    mutable std::atomic<const field*> next;
 };
 
 /// Everything about one record type. Built once, then read by all threads; only the guesses change.
@@ -76,11 +91,11 @@ struct record_table {
     record_table(const char* literal, const member* members, std::size_t count);
 
     std::vector<field> fields;
-    /// Most bytes that the keys, the brackets and the scalars other than strings take when written.
-    std::size_t flat_size;
-    /// guesses[0] is the field that last came first, guesses[i + 1] the one that last came after field i. A
-    /// guess is only ever compared with the text, so threads may overwrite each other's.
-    std::unique_ptr<std::atomic<std::uint16_t>[]> guesses;
+    mutable std::atomic<const field*> first;  ///< the field that last came first, a guess like `next`
+    std::ptrdiff_t longest_reach = 0;
+    /// Most bytes that the keys, the brackets, the integers and the bools take when written, those of records inside
+    /// included, and a word more.
+    std::size_t flat_size = kKeyWord;
 
 private:
     std::string keys_;
@@ -114,7 +129,7 @@ value_type type_of() {
     } else if constexpr (std::is_same_v<T, std::string>) {
         return {value_kind::text};
     } else if constexpr (is_sequence<T>::value) {
-        return {value_kind::sequence, nullptr, &sequence_of<T>()};
+        return {value_kind::sequence, &sequence_of<T>()};
     } else {
         static_assert(is_record<T>::value, "a record's member must itself be a type that JSON can hold");
         return {value_kind::record, &table_of<T>()};
@@ -127,7 +142,7 @@ const sequence_table& sequence_of() {
     using element = typename T::value_type;
     static const sequence_table table{
         type_of<element>(), [](void* sequence) -> void* { return &static_cast<T*>(sequence)->emplace_back(); },
-        [](const void* sequence) { return static_cast<const T*>(sequence)->empty(); },
+        [](const void* sequence) { return static_cast<const T*>(sequence)->size(); },
         [](const void* sequence, void* context, void (*visit)(void*, const void*)) {
             for (const element& each : *static_cast<const T*>(sequence)) {
                 visit(context, &each);

@@ -15,10 +15,24 @@ constexpr char kTwoDigits[] =
     "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
     "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
 
+/// The two digits of a number below 100, as a word's lowest bytes.
+std::uint32_t two_digits(std::uint32_t value) {
+    std::uint16_t pair;
+    std::memcpy(&pair, kTwoDigits + value * 2, sizeof pair);
+    return pair;
+}
+
+/// Writes four bytes at least.
 char* write_magnitude(char* out, std::uint32_t value) {
     if (value < 10) {
         *out = static_cast<char>('0' + value);
         return out + 1;
+    }
+    if (value < 10000) {  // no branch on the length: zeros in front are shifted out
+        const std::uint32_t zeros = static_cast<std::uint32_t>(value < 1000) + (value < 100);
+        const std::uint32_t digits = (two_digits(value / 100) | two_digits(value % 100) << 16) >> (zeros * 8);
+        std::memcpy(out, &digits, sizeof digits);
+        return out + 4 - zeros;
     }
     char digits[10];
     char* first = digits + sizeof digits;
@@ -147,11 +161,13 @@ void lite_write::write_str(ajson_string_stream& out, const char* text, std::size
     const char* const end = text + length;
     std::uint32_t state = kUtf8Accept;
     std::uint32_t code = 0;
-    out.put('"');
+    char* to = out.reserve(2);
+    *to++ = '"';
     while (text != end) {
-        char* to = out.reserve(kChunk * kMostBytesOfOne);
-        for (const char* const chunk_end = text + std::min(kChunk, static_cast<std::size_t>(end - text));
-             text != chunk_end;) {
+        out.commit(to);
+        const std::size_t chunk = std::min(kChunk, static_cast<std::size_t>(end - text));
+        to = out.reserve(chunk * kMostBytesOfOne + 1);
+        for (const char* const chunk_end = text + chunk; text != chunk_end;) {
             if (state == kUtf8Accept && chunk_end - text >= 8) {
                 if (const std::uint64_t word = detail::load8(text); is_plain(word)) {
                     std::memcpy(to, &word, sizeof word);
@@ -179,42 +195,60 @@ void lite_write::write_str(ajson_string_stream& out, const char* text, std::size
                     break;
             }
         }
-        out.commit(to);
     }
-    out.put('"');
+    *to++ = '"';
+    out.commit(to);
 }
 
 namespace detail {
 
 namespace {
 
-char* write_key(char* out, const field& member) {
-    std::memcpy(out, member.key, member.quoted_size + 1);
-    return out + member.quoted_size + 1;
+/// Copies whole words, the last one past the key's end.
+inline char* write_key(char* out, const field& member) {
+    const char* const from = member.key - 1;
+    const std::size_t size = member.key_size + 1u;
+    std::memcpy(out, from, kKeyWord);
+    for (std::size_t done = kKeyWord; done < size; done += kKeyWord) {
+        std::memcpy(out + done, from + done, kKeyWord);
+    }
+    return out + size;
 }
 
-void write_record(ajson_string_stream& out, const record_table& table, const char* object) {
-    char* to = out.reserve(table.flat_size);
+/// Writes a record behind `to`, which has room for its flat part, and gives the end. Where the stream must be asked
+/// for more, room for `rest` bytes of the records around this one stays.
+char* write_record(ajson_string_stream& out, char* to, const record_table& table, const char* object,
+                   std::size_t rest) {
     for (const field& member : table.fields) {
         to = write_key(to, member);
         const char* const value = object + member.offset;
-        if (member.type.kind == value_kind::integer) {
-            to = lite_write::write_int(to, *reinterpret_cast<const std::int32_t*>(value));
-        } else if (member.type.kind == value_kind::boolean) {
-            *to++ = *reinterpret_cast<const bool*>(value) ? '1' : '0';
-        } else {
-            out.commit(to);
-            write_value(out, member.type, value);
-            to = out.reserve(table.flat_size);
+        switch (member.type.kind) {
+            case value_kind::integer:
+                to = lite_write::write_int(to, *reinterpret_cast<const std::int32_t*>(value));
+                break;
+            case value_kind::boolean:
+                *to++ = *reinterpret_cast<const bool*>(value) ? '1' : '0';
+                break;
+            case value_kind::record:
+                to = write_record(out, to, member.type.record(), value, rest + table.flat_size);
+                break;
+            default:
+                out.commit(to);
+                write_value(out, member.type, value);
+                to = out.reserve(table.flat_size + rest);
         }
     }
     *to++ = '}';
-    out.commit(to);
+    return to;
 }
 
 void write_sequence(ajson_string_stream& out, const sequence_table& table, const void* sequence) {
-    if (table.empty(sequence)) {
+    const std::size_t size = table.size(sequence);
+    if (size == 0) {
         return out.write("[]", 2);
+    }
+    if (table.element.kind == value_kind::record) {
+        out.reserve(size * table.element.record().flat_size);  // once for all elements
     }
     char lead = '[';
     struct context_type {
@@ -236,9 +270,10 @@ void write_sequence(ajson_string_stream& out, const sequence_table& table, const
 void write_value(ajson_string_stream& out, const value_type& type, const void* value) {
     switch (type.kind) {
         case value_kind::record:
-            return write_record(out, *type.record, static_cast<const char*>(value));
+            return out.commit(write_record(out, out.reserve(type.record().flat_size), type.record(),
+                                           static_cast<const char*>(value), 0));
         case value_kind::sequence:
-            return write_sequence(out, *type.sequence, value);
+            return write_sequence(out, type.sequence(), value);
         case value_kind::text: {
             const auto& text = *static_cast<const std::string*>(value);
             return lite_write::write_str(out, text.data(), text.size());

@@ -4,14 +4,11 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
-#include <deque>
 #include <map>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <thread>
 
+#include "panel/deliveries.h"
 #include "panel/output.h"
 #include "panel/simcontrol.h"
 
@@ -19,54 +16,12 @@ namespace panel {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using nlohmann::json;
 
 constexpr std::chrono::seconds kWholeTour{15};
 constexpr std::chrono::seconds kOneStep{3};
 constexpr const char* kName = "demo";
 constexpr int kBurst = 60;
-
-/// One delivery, taken apart in the thread that made it.
-struct Delivered {
-    const Component* component;
-    const Kind* kind;
-    std::string text;
-    Clock::time_point time;
-};
-
-/// Where the plug-in's threads leave what they deliver. The tour's thread takes it.
-class Deliveries {
-public:
-    void add(Delivered one) {
-        {
-            std::lock_guard lock(mutex_);
-            waiting_.push_back(std::move(one));
-            ++count_;
-        }
-        changed_.notify_all();
-    }
-    /// The next delivery, or nothing when `deadline` comes first.
-    std::optional<Delivered> next(Clock::time_point deadline) {
-        std::unique_lock lock(mutex_);
-        if (!changed_.wait_until(lock, deadline, [this] { return !waiting_.empty(); })) {
-            return std::nullopt;
-        }
-        Delivered one = std::move(waiting_.front());
-        waiting_.pop_front();
-        return one;
-    }
-    std::size_t count() const {
-        std::lock_guard lock(mutex_);
-        return count_;
-    }
-
-private:
-    mutable std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Delivered> waiting_;
-    std::size_t count_ = 0;
-};
 
 class Demo {
 public:
@@ -80,7 +35,9 @@ public:
         firstFetches();
         deviceReports();
         ownChange();
+        otherClient();
         burst();
+        lostConnection();
         channel_ = session_.status().channel();
         receiver_ = session_.status().receiver();
         session_.stop();
@@ -94,22 +51,15 @@ private:
     void subscribe() {
         for (const Component& component : components()) {
             for (const Kind& kind : component.kinds) {
-                if (kind.print) {
-                    session_.subscribe(component, kind, kName, receiverOf(component, kind));
+                if (kind.print && kind.question.empty()) {
+                    session_.subscribe(component, kind, kName, taking(component, kind));
                 }
             }
         }
-        session_.user().registerRequestCallBack(
-            kName, LCD::MemoryCache::IUser::RequestCBType::TokenChanged, [this](const std::any& payload) {
-                const bool in = !std::any_cast<const std::shared_ptr<std::string>&>(payload)->empty();
-                deliveries_.add({nullptr, nullptr, in ? "in" : "", Clock::now()});
-            });
     }
 
-    Delivery receiverOf(const Component& component, const Kind& kind) {
-        return [this, &component, &kind](const std::any& payload) {
-            deliveries_.add({&component, &kind, kind.print(payload), Clock::now()});
-        };
+    Delivery taking(const Component& component, const Kind& kind) {
+        return session_.taking(component, kind, deliveries_.receiver());
     }
 
     /// Shows deliveries until one is as expected. False, and a failure, when that takes too long.
@@ -125,13 +75,12 @@ private:
     }
 
     void show(const Delivered& one) {
-        if (one.component == nullptr) {
-            return;
-        }
         std::string& last = last_[{one.component, one.kind}];
         const bool first = last.empty();
-        out_.event(one.component->name, one.kind->name, first ? shortened(one.text) : difference(last, one.text),
-                   first ? Tone::quiet : Tone::plain);
+        out_.event(
+            one.component->name, one.kind->name,
+            fmt::format("{:<13} {}", one.origin.text(), first ? shortened(one.text) : difference(last, one.text)),
+            first ? Tone::quiet : Tone::plain);
         last = one.text;
     }
 
@@ -154,38 +103,36 @@ private:
     void login() {
         out_.heading("Login");
         const auto start = Clock::now();
-        session_.user().asyncLogin();
-        if (await("a token", [](const Delivered& one) { return one.component == nullptr && !one.text.empty(); })) {
-            tookSince(start);
-            out_.event("User", "TokenChanged", "logged in", Tone::good);
-        }
-        waitForStream();
-    }
-
-    /// Reports reach the panel once the stream is open.
-    void waitForStream() {
-        const Clock::time_point deadline = std::min(Clock::now() + kOneStep, end_);
-        while (!session_.status().receiver().connected) {
-            if (Clock::now() > deadline) {
-                fail("the stream of reports wasn't opened in time");
-                return;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
+        session_.login(kOneStep);
+        tookSince(start);
+        out_.event("User", "TokenChanged", "logged in, the stream of reports is open", Tone::good);
     }
 
     void firstFetches() {
         out_.heading("First fetch of each component: nothing is asked of the device before a page asks");
         for (const Component& component : components()) {
-            const Kind& kind = component.kinds.front();
+            const Kind& kind = *std::find_if(component.kinds.begin(), component.kinds.end(), [](const Kind& each) {
+                return each.question.empty() ? each.print && !each.onlyTold : each.name == "LayerWindow";
+            });
             const auto start = Clock::now();
-            session_.get(component, kind, kName, receiverOf(component, kind));
+            session_.show(component, kind, kName, taking(component, kind), keyFor(component, kind));
             if (await(component.name + "'s first delivery",
                       [&](const Delivered& one) { return one.component == &component && one.kind == &kind; })) {
                 tookSince(start);
             }
         }
         check(session_.status().channel().failures == 0, "every request was answered");
+    }
+
+    /// A question for the component that answers questions: may the first layer go that far?
+    std::any keyFor(const Component& component, const Kind& kind) const {
+        if (kind.question.empty()) {
+            return keyOf(component, kind, kind.mirrored.key);
+        }
+        const json layer = device_.state().at("/layers/list/0"_json_pointer);
+        json window = layer.at("window");
+        window.at("x") = 1'000'000;
+        return keyOf(component, kind, json{{{"layerId", layer.at("layerId")}, {"window", window}}}.dump());
     }
 
     /// Changes a place of the device and waits until `component` tells of it.
@@ -220,17 +167,62 @@ private:
         out_.heading("A change of the user's: it goes to the device, and its report brings it back");
         const Component& mode = componentNamed("SwitchMode");
         const Kind& kind = mode.kinds.front();
-        const int before = json::parse(last_.at({&mode, &kind})).at("enable");
+        const int before = enableOf(mode);
         for (const int enable : {1 - before, before}) {
             const auto start = Clock::now();
             set(mode, kind, fmt::format("{{\"enable\":{}}}", enable));
             if (await("the change's report", [&](const Delivered& one) {
-                    return one.component == &mode && json::parse(one.text).at("enable") == enable;
+                    return one.component == &mode && json::parse(one.text).at("enable") == enable &&
+                           one.origin.by == By::ownChange;
                 })) {
                 tookSince(start);
             }
         }
         check(refused_ == 0, "the device took both changes");
+    }
+
+    void otherClient() {
+        out_.heading("Another client's change: told from an own one by the report's source");
+        const Component& mode = componentNamed("SwitchMode");
+        const int before = enableOf(mode);
+        const OtherClient other(device_);
+        for (const int enable : {1 - before, before}) {
+            const auto start = Clock::now();
+            other.send("PUT", "/zelto/v1/screen/global/swap", {{"enable", enable}});
+            if (await("the other client's change", [&](const Delivered& one) {
+                    return one.component == &mode && json::parse(one.text).at("enable") == enable &&
+                           one.origin.by == By::otherClient;
+                })) {
+                tookSince(start);
+            }
+        }
+    }
+
+    /// A change that no report tells of reaches the mirror nonetheless.
+    void lostConnection() {
+        out_.heading("A lost connection: it heals, and what was missed meanwhile is fetched");
+        const std::string name = device_.state().at("/custom/softwareName"_json_pointer);
+        const std::string changed = name + " (changed unseen)";
+        const auto start = Clock::now();
+        device_.addFault({{"kind", "drop"}, {"count", 1}});
+        device_.change("/custom/softwareName", changed);
+        device_.addFault({{"kind", "cutStream"}});
+        if (await("what was missed", [&](const Delivered& one) {
+                return one.component->name == "AboutUs" && one.kind->name == "AboutUsChanged" &&
+                       json::parse(one.text).at("softwareName") == changed;
+            })) {
+            check(session_.status().receiver().connects >= 2,
+                  "the stream was opened anew, all is up to date after " + durationText(Clock::now() - start));
+        }
+        device_.removeFaults();
+        device_.change("/custom/softwareName", name);
+        await("the name as before", [&](const Delivered& one) {
+            return one.component->name == "AboutUs" && json::parse(one.text).value("softwareName", "") == name;
+        });
+    }
+
+    int enableOf(const Component& component) const {
+        return json::parse(last_.at({&component, &component.kinds.front()})).at("enable");
     }
 
     void burst() {

@@ -6,7 +6,8 @@
 
 namespace panel {
 
-/// Raises std::runtime_error, which names the URL, when the device can't be reached or refuses. One thread.
+/// Raises `Unreachable`, which names the URL, when the device can't be reached, and std::runtime_error when it refuses.
+/// Any thread.
 class SimControl {
 public:
     explicit SimControl(std::string url) : url_(std::move(url)) {}
@@ -16,11 +17,28 @@ public:
     /// How many requests of that verb and path the device has answered.
     long requests(const std::string& verb, const std::string& path) const;
     nlohmann::json state() const;
+    /// Lets the device misbehave: {"kind":"cutStream"} and the like.
+    void addFault(const nlohmann::json& rule) const;
+    void removeFaults() const;
+
+    /// Any request to the device; the data of its answer. With a token it is a client's.
+    nlohmann::json send(const std::string& verb, const std::string& path, const std::string& body = {},
+                        const std::string& token = {}) const;
 
 private:
-    nlohmann::json call(const char* verb, const std::string& path, const std::string& body) const;
-
     std::string url_;
+};
+
+/// Another client of the device: a second panel, say.
+class OtherClient {
+public:
+    explicit OtherClient(SimControl device);
+
+    nlohmann::json send(const std::string& verb, const std::string& path, const nlohmann::json& body) const;
+
+private:
+    SimControl device_;
+    std::string token_;
 };
 
 }  // namespace panel

@@ -2,8 +2,11 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <optional>
+#include <string>
 
 #include "devicesim/actions.h"
+#include "devicesim/drag.h"
 #include "devicesim/families/families.h"
 
 namespace devicesim {
@@ -33,23 +36,25 @@ void showCounters(Call& call) {
                  {"logins", call.device.tokens.logins()}});
 }
 
-json& valueAt(json& state, const std::string& pointer) {
+Place placeNamed(const json& state, const std::string& pointer) {
     try {
-        return state.at(Place(pointer));
+        Place place = findPlace(state, pointer);
+        return state.at(place), place;
     } catch (const json::exception&) {
         throw Refusal(Failure::Unknown, fmt::format("pointer: the state has no place \"{}\"", pointer));
     }
 }
 
-// {"pointer":"/custom/softwareName","value":...}: the device itself changes a place and reports it.
+// {"pointer":"/layers/list/layerId=4/window","value":...}: the device itself changes a place and reports it.
 void change(Call& call) {
-    const std::string pointer = member(call.body, "pointer", json::value_t::string);
+    json& state = call.device.state;
+    const Place place = placeNamed(state, member(call.body, "pointer", json::value_t::string));
     if (!call.body.contains("value")) {
         throw Refusal(Failure::Incomplete, "value is missing");
     }
-    take(valueAt(call.device.state, pointer), call.body["value"], "value");
+    take(state.at(place), call.body["value"], "value");
     json told = json::array();
-    for (const auto& [row, places] : call.device.table.reportsOf(Place(pointer), call.device.state)) {
+    for (const auto& [row, places] : call.device.table.reportsOf(place, state)) {
         call.device.reportChange(*row, places, {std::string(kDeviceToken), 0});
         told.push_back(fmt::format("{:x}", row->report));
     }
@@ -87,8 +92,7 @@ void restart(Call& call) {
     if (!state.empty()) {
         call.device.state = call.device.start;
     }
-    call.device.tokens.expire();
-    call.device.reports.restart();
+    call.device.restart();
     call.answer(nullptr);
 }
 
@@ -97,12 +101,35 @@ void expire(Call& call) {
     call.answer(nullptr);
 }
 
+void showFaults(Call& call) { call.answer(call.device.faults.show()); }
+
+// One rule or a list of them, all or none.
+void addFaults(Call& call) { call.answer({{"ids", call.device.faults.add(call.body, call.device)}}); }
+
+// All, or by "?id=3" that one.
+void removeFaults(Call& call) {
+    std::optional<int> id;
+    if (const auto found = call.request.query.find("id"); found != call.request.query.end()) {
+        const std::string& text = found->second;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id.emplace());
+        if (error != std::errc() || end != text.data() + text.size()) {
+            throw Refusal(Failure::WrongType, "id must be the number of a rule");
+        }
+    }
+    call.device.faults.remove(id, call.device);
+    call.answer(nullptr);
+}
+
 }  // namespace
 
 std::vector<Row> controlRows() {
     return {
-        {"GET", "/sim/state", showState},    {"GET", "/sim/counters", showCounters}, {"POST", "/sim/change", change},
-        {"POST", "/sim/report", pushReport}, {"POST", "/sim/restart", restart},      {"POST", "/sim/expire", expire},
+        {"GET", "/sim/state", showState},        {"GET", "/sim/counters", showCounters},
+        {"POST", "/sim/change", change},         {"POST", "/sim/report", pushReport},
+        {"POST", "/sim/restart", restart},       {"POST", "/sim/expire", expire},
+        {"GET", "/sim/faults", showFaults},      {"POST", "/sim/faults", addFaults},
+        {"DELETE", "/sim/faults", removeFaults}, {"GET", "/sim/drag", showDrag},
+        {"POST", "/sim/drag", startDrag},        {"DELETE", "/sim/drag", stopDrag},
     };
 }
 

@@ -4,7 +4,8 @@ namespace devicesim {
 
 std::vector<Row> allRows() {
     std::vector<Row> all;
-    for (const auto family : {sessionRows, customRows, systemRows, screenRows, controlRows}) {
+    for (const auto family : {sessionRows, customRows, systemRows, screenRows, takeRows, layerRows, interfaceRows,
+                              timingRows, nodeRows, subcardRows, backupRows, presetRows, assessRows, controlRows}) {
         const std::vector<Row> rows = family();
         all.insert(all.end(), rows.begin(), rows.end());
     }

@@ -9,12 +9,20 @@
 namespace devicesim {
 
 inline constexpr std::string_view kLoginPath = "/zelto/v1/system/auth/login";  // the one that needs no token
-inline constexpr std::string_view kControlPrefix = "/sim/";
 
 std::vector<Row> sessionRows();
 std::vector<Row> customRows();
 std::vector<Row> systemRows();
 std::vector<Row> screenRows();
+std::vector<Row> takeRows();
+std::vector<Row> layerRows();
+std::vector<Row> interfaceRows();
+std::vector<Row> timingRows();
+std::vector<Row> nodeRows();
+std::vector<Row> subcardRows();
+std::vector<Row> backupRows();
+std::vector<Row> presetRows();
+std::vector<Row> assessRows();
 std::vector<Row> controlRows();
 
 std::vector<Row> allRows();

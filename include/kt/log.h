@@ -37,3 +37,4 @@ void log(spdlog::level::level_enum level, const LogSite& site, fmt::format_strin
 
 #define KT_INFO(...) ::KT::log(::spdlog::level::info, ::KT::LogSite::here(), __VA_ARGS__)
 #define KT_WARN(...) ::KT::log(::spdlog::level::warn, ::KT::LogSite::here(), __VA_ARGS__)
+#define KT_ERROR(...) ::KT::log(::spdlog::level::err, ::KT::LogSite::here(), __VA_ARGS__)

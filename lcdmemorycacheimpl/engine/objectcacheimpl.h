@@ -45,6 +45,7 @@
 #include "lcd/commchannel/autoreport.h"
 #include "lcdmemorycacheimpl/engine/mutex.h"
 #include "lcdmemorycacheimpl/engine/pause.h"
+#include "lcdprotocolimpl/core/report.h"
 
 namespace LCD::MemoryCacheImpl {
 
@@ -58,10 +59,12 @@ K allMembers() {
     }
 }
 
-/// What a report does to the flag that makes the next request fetch.
+/// What follows a report beside the merge.
 enum class AfterReport {
-    keepDirty,           ///< nothing
-    dirtyUnlessDecoded,  ///< a report that can't be read makes the mirror dirty, one that can makes it clean
+    tellWhenDecoded,     ///< all subscribers are told, of a report that could be read
+    tellAlways,          ///< they are told of the old value, too, when it couldn't
+    dirtyUnlessDecoded,  ///< a report that can't be read makes the next request fetch, one that can makes the mirror
+                         ///< clean
 };
 
 /// `T` is the mirror's type, `K` the type of the key that a request carries, `CB` the interface's RequestCBType.
@@ -215,13 +218,14 @@ protected:
         };
     }
 
-    /// Reload thread. Fetches the whole mirror. A failure logs `warning`, where there is one.
+    /// Reload thread. Fetches the whole mirror. A failure logs `warning`, where there is one, and leaves the mirror
+    /// dirty, even if a report has meanwhile made it clean.
     void fetchCache(bool (*fetch)(Comm::IHttpChannel*, T&), const char* warning = nullptr,
                     KT::LogSite site = KT::LogSite::here()) LCD_EXCLUDES(cacheMutex) {
         LockGuard lock(cacheMutex);
-        if (fetch(httpChannel, cache)) {
-            cacheDirty = false;
-        } else if (warning != nullptr) {
+        const bool fetched = fetch(httpChannel, cache);
+        cacheDirty = !fetched;
+        if (!fetched && warning != nullptr) {
             KT::log(spdlog::level::warn, site, fmt::runtime(warning));
         }
     }
@@ -240,33 +244,37 @@ protected:
         return fetched;
     }
 
-    /// Receiver thread. Decodes a report; what could be decoded is merged by `merge(mirror, report)` under
-    /// the lock and told to all subscribers of `type`.
+    /// Receiver thread. Decodes a report; what could be decoded is merged by `merge(mirror, report)` under the lock and
+    /// told to all subscribers of `type`.
     template <class Report, class Merge>
     bool mergeReport(const std::string& body, bool (*decode)(const std::string&, Report&), Merge merge, CB type,
-                     AfterReport after = AfterReport::keepDirty) LCD_EXCLUDES(cacheMutex) {
+                     AfterReport after = AfterReport::tellWhenDecoded) LCD_EXCLUDES(cacheMutex) {
         Report report;
         const bool decoded = decode(body, report);
-        LockGuard lock(cacheMutex);
-        if (decoded) {
-            merge(cache, report);
-            notifyCacheChanged({}, type);
-        }
-        if (after == AfterReport::dirtyUnlessDecoded) {
-            cacheDirty = !decoded;
-        }
+        mergeDecoded(decoded, report, merge, type, after);
+        return decoded;
+    }
+    /// The same for a report without a decoder of its own, which logs as "decode SUBJECT has failed".
+    template <class Report, class Merge>
+    bool mergeReport(const std::string& body, const char* subject, Merge merge, CB type,
+                     AfterReport after = AfterReport::tellWhenDecoded, KT::LogSite site = KT::LogSite::here())
+        LCD_EXCLUDES(cacheMutex) {
+        Report report;
+        const bool decoded = ProtocolImpl::decodeReport(body, report, subject, site);
+        mergeDecoded(decoded, report, merge, type, after);
         return decoded;
     }
 
-    /// Reload thread. Delivers the mirror, one of its members, or a field of the getter itself.
+    /// Reload thread. Delivers the mirror, a part of it, or a field of the getter itself.
     void deliverCache(const RequestData& request) LCD_EXCLUDES(cacheMutex) {
         LockGuard lock(cacheMutex);
         notifySubCacheChanged(cache, request);
     }
-    template <class U>
-    void deliverMember(U T::*member, const RequestData& request) LCD_EXCLUDES(cacheMutex) {
+    /// `part` is a member of the mirror's type or a function of the mirror.
+    template <class Part>
+    void deliverPart(Part part, const RequestData& request) LCD_EXCLUDES(cacheMutex) {
         LockGuard lock(cacheMutex);
-        notifySubCacheChanged(cache.*member, request);
+        notifySubCacheChanged(std::invoke(part, std::as_const(cache)), request);
     }
     template <class Getter, class U>
     void deliverField(U Getter::*field, const RequestData& request) LCD_EXCLUDES(cacheMutex) {
@@ -274,16 +282,13 @@ protected:
         notifySubCacheChanged(static_cast<Getter*>(this)->*field, request);
     }
 
-    // guards the mirror and the getter's own data; held across the fetch and across deliveries
-    RecursiveMutex cacheMutex;
-    T cache LCD_GUARDED_BY(cacheMutex){};
-    // any thread
-    std::atomic<bool> cacheDirty{false};
-    std::atomic<bool> wholeCacheLoaded{false};
-    // fixed after start
-    std::map<CB, std::function<void(const RequestData&)>> subCacheCallbacks;
-    Comm::IHttpChannel* httpChannel = nullptr;
-    CommChannel::IAutoReportReceiver* reportReceiver = nullptr;
+    /// Any thread. Delivers what the request itself carries, where it carries anything.
+    void deliverData(const RequestData& request) LCD_EXCLUDES(cacheMutex) {
+        LockGuard lock(cacheMutex);
+        if (request.data.has_value()) {
+            deliver(request.data, request);
+        }
+    }
 
 private:
     static std::int32_t number(CB type) { return static_cast<std::int32_t>(type); }
@@ -291,6 +296,20 @@ private:
     void bind(std::uint32_t reportId, CommChannel::DecodeCallback callback) {
         if (reportReceiver != nullptr) {
             reportReceiver->registerDecodeCallback(reportId, std::move(callback));
+        }
+    }
+
+    template <class Report, class Merge>
+    void mergeDecoded(bool decoded, const Report& report, Merge merge, CB type, AfterReport after) {
+        LockGuard lock(cacheMutex);
+        if (decoded) {
+            merge(cache, report);
+        }
+        if (decoded || after == AfterReport::tellAlways) {
+            notifyCacheChanged({}, type);
+        }
+        if (after == AfterReport::dirtyUnlessDecoded) {
+            cacheDirty = !decoded;
         }
     }
 
@@ -338,6 +357,17 @@ private:
         return true;
     }
 
+protected:
+    // guards the mirror and the getter's own data; held across the fetch and across deliveries
+    RecursiveMutex cacheMutex;
+    T cache LCD_GUARDED_BY(cacheMutex){};
+    // any thread
+    std::atomic<bool> cacheDirty{false};
+    std::atomic<bool> wholeCacheLoaded{false};
+    // fixed after start
+    std::map<CB, std::function<void(const RequestData&)>> subCacheCallbacks;
+    Comm::IHttpChannel* httpChannel = nullptr;
+    CommChannel::IAutoReportReceiver* reportReceiver = nullptr;
     // platform's thread
     std::thread reloadThread;
     // any thread

@@ -122,15 +122,24 @@ protected:
         };
     }
 
-    /// The record of type `Record` that a change carries. Null, with a log line, when it carries something
-    /// else, which names the type as `typeName`, or a null pointer.
+    /// The pointer to a `Record` that a change carries, or null, with a log line that names the type as `typeName`,
+    /// when it carries something else.
+    template <class Record>
+    static const std::shared_ptr<Record>* heldRecord(const RequestData& request, const char* typeName,
+                                                     KT::LogSite site = KT::LogSite::here()) {
+        const auto* const held = std::any_cast<std::shared_ptr<Record>>(&request.data);
+        if (held == nullptr) {
+            KT::log(spdlog::level::warn, site, "need type is {1} but has {0}", heldTypeName(request.data), typeName);
+        }
+        return held;
+    }
+    /// The record itself, or null, with a log line, also for a null pointer.
     template <class Record>
     static std::shared_ptr<Record> recordOf(const RequestData& request, const char* typeName,
                                             const char* nullText = "val_ is null",
                                             KT::LogSite site = KT::LogSite::here()) {
-        const auto* const held = std::any_cast<std::shared_ptr<Record>>(&request.data);
+        const auto* const held = heldRecord<Record>(request, typeName, site);
         if (held == nullptr) {
-            KT::log(spdlog::level::warn, site, "need type is {1} but has {0}", heldTypeName(request.data), typeName);
             return nullptr;
         }
         if (*held == nullptr) {
@@ -142,10 +151,18 @@ protected:
     /// Sends the record that a change carries.
     template <class Record>
     bool sendRecord(const RequestData& request, const char* typeName,
-                    bool (*send)(Comm::IHttpChannel*, std::shared_ptr<Record>),
+                    bool (*send)(Comm::IHttpChannel*, std::shared_ptr<Record>), const char* nullText = "val_ is null",
                     KT::LogSite site = KT::LogSite::here()) {
-        const auto record = recordOf<Record>(request, typeName, "val_ is null", site);
+        const auto record = recordOf<Record>(request, typeName, nullText, site);
         return record != nullptr && send(httpChannel, record);
+    }
+    /// The same, but the request function itself judges a null pointer.
+    template <class Record>
+    bool sendRecordOrNull(const RequestData& request, const char* typeName,
+                          bool (*send)(Comm::IHttpChannel*, std::shared_ptr<Record>),
+                          KT::LogSite site = KT::LogSite::here()) {
+        const auto* const held = heldRecord<Record>(request, typeName, site);
+        return held != nullptr && send(httpChannel, *held);
     }
 
     // fixed after start

@@ -88,8 +88,7 @@ bool SwitchEffectGetter::decodeActiveEffect(const std::string& body) {
 void SwitchEffectGetter::notifySwitchEffectChanged(const RequestData& request) { deliverCache(request); }
 
 void SwitchEffectGetter::notifyActiveEffectChanged(const RequestData& request) {
-    LockGuard lock(cacheMutex);
-    notifySubCacheChanged(cache.switchEffect.type, request);
+    deliverPart([](const s_GetSwitchEffect& mirror) { return mirror.switchEffect.type; }, request);
 }
 
 }  // namespace LCD::MemoryCacheImpl

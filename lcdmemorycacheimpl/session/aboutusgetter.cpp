@@ -37,6 +37,6 @@ void AboutUsGetter::notifyLanguageChanged(const RequestData& request) {
     deliverField(&AboutUsGetter::language, request);
 }
 
-void AboutUsGetter::notifyCustomModeChanged(const RequestData& request) { deliverMember(&s_AboutUs::mode, request); }
+void AboutUsGetter::notifyCustomModeChanged(const RequestData& request) { deliverPart(&s_AboutUs::mode, request); }
 
 }  // namespace LCD::MemoryCacheImpl

@@ -141,6 +141,9 @@ void Request::logBadSend(SendLog text, bool sent, std::uint16_t status) const {
 void Request::logBadReply(ReplyLog text, const std::string& error, const Envelope& envelope) const {
     const std::string url = channel_->baseUrl();
     const auto& [type, whole, code, message] = envelope;
+    if (text == ReplyLog::plainForCode) {
+        text = error.empty() ? ReplyLog::plain : ReplyLog::getDecode;
+    }
     switch (text) {
         case ReplyLog::getDecode:
             return logFailure(site_, "url:{0}{1}{2} decode has failed. Error Message={3}, code={4}, message={5}", url,
@@ -150,6 +153,7 @@ void Request::logBadReply(ReplyLog text, const std::string& error, const Envelop
             return logFailure(site_, "url:{0}{1} decode has failed. Response Code={2} Reponse Message={3}", url, path_,
                               code, message);
         case ReplyLog::plain:
+        case ReplyLog::plainForCode:
             return logFailure(site_, "url:{0}{1} has failed. Response Code={2} Reponse Message={3}", url, path_, code,
                               message);
         case ReplyLog::loginName:

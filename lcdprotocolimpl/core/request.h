@@ -34,12 +34,13 @@ enum class SendLog {
 
 /// What is logged when the reply can't be read or its code is not 0.
 enum class ReplyLog {
-    getDecode,    ///< "decode has failed" with the reader's message: the rule for GET
-    setDecode,    ///< "decode has failed": the rule for everything else
-    plain,        ///< "has failed"
-    loginName,    ///< "loginName=SUBJECT has failed"
-    interfaceId,  ///< "interfaceId=SUBJECT has failed"
-    layerId,      ///< "layerId=SUBJECT has failed"
+    getDecode,     ///< "decode has failed" with the reader's message: the rule for GET
+    setDecode,     ///< "decode has failed": the rule for everything else
+    plain,         ///< "has failed"
+    plainForCode,  ///< "has failed" for a code, as getDecode for a reply that can't be read
+    loginName,     ///< "loginName=SUBJECT has failed"
+    interfaceId,   ///< "interfaceId=SUBJECT has failed"
+    layerId,       ///< "layerId=SUBJECT has failed"
 };
 
 /// One request. Lives for one call of a request function, on whatever thread calls it; blocks in the channel.
@@ -79,6 +80,22 @@ public:
             return false;
         }
         out = std::move(page.list);
+        return true;
+    }
+    /// The same; an empty list counts as a failure and is logged like a code that isn't 0.
+    template <class Page, class List>
+    bool getFilledList(List& out) {
+        s_Response<Page> response;
+        const auto type = ajson::detail::type_of<s_Response<Page>>();
+        const Envelope envelope{type, &response, response.code, response.message};
+        if (!exchange(Verb::get, nullptr, envelope)) {
+            return false;
+        }
+        if (response.data.list.empty()) {
+            logBadReply(ReplyLog::getDecode, {}, envelope);
+            return false;
+        }
+        out = std::move(response.data.list);
         return true;
     }
     /// A GET that carries a body.

@@ -4,13 +4,14 @@
 
 namespace LCD::ProtocolImpl {
 
-std::string topicHeader(const KT::LogSite& site) {
+std::string fileNamed(const KT::LogSite& site) {
     constexpr std::string_view kEnding = "requests.cpp";
-    std::string_view topic = site.file;
-    if (topic.size() > kEnding.size() && topic.substr(topic.size() - kEnding.size()) == kEnding) {
-        topic.remove_suffix(kEnding.size());
+    std::string_view file = site.file;
+    if (!file.ends_with(kEnding)) {
+        return std::string(file);
     }
-    return std::string(topic).append(".h");
+    file.remove_suffix(kEnding.size());
+    return std::string(file).append(".h");
 }
 
 }  // namespace LCD::ProtocolImpl

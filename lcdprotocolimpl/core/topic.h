@@ -1,4 +1,4 @@
-// How the request functions of a topic name themselves in log lines.
+// How the functions of a topic name themselves in log lines.
 #pragma once
 
 #include <string>
@@ -7,14 +7,20 @@
 
 namespace LCD::ProtocolImpl {
 
-/// The header of the topic whose file "TOPICrequests.cpp" is `site`'s.
-std::string topicHeader(const KT::LogSite& site);
+/// The file that `site` names: for "TOPICrequests.cpp" the topic's header, any other as it is.
+std::string fileNamed(const KT::LogSite& site);
 
-/// A failure, named after the request function at `site`.
+/// A line that names the function at `site`.
+template <class... Arguments>
+void logAt(spdlog::level::level_enum level, const KT::LogSite& site, fmt::format_string<const Arguments&...> text,
+           const Arguments&... arguments) {
+    const std::string file = fileNamed(site);
+    KT::log(level, KT::LogSite{file, site.function, site.line}, text, arguments...);
+}
+
 template <class... Arguments>
 void logFailure(const KT::LogSite& site, fmt::format_string<const Arguments&...> text, const Arguments&... arguments) {
-    const std::string header = topicHeader(site);
-    KT::log(spdlog::level::warn, KT::LogSite{header, site.function, site.line}, text, arguments...);
+    logAt(spdlog::level::warn, site, text, arguments...);
 }
 
 }  // namespace LCD::ProtocolImpl

@@ -87,4 +87,24 @@ struct s_LayerTransitionFollow {
     AJSON(layerId, enable)
 };
 
+// ---- what never travels
+
+/// A layer by its number and its identity.
+struct s_LayerUniqueId {
+    int layerId = -1;
+    s_LayerIdObj layerIdObj;
+
+    friend bool operator==(const s_LayerUniqueId& a, const s_LayerUniqueId& b) {
+        return a.layerId == b.layerId && a.layerIdObj == b.layerIdObj;
+    }
+};
+
+/// What is told when a layer opens or closes.
+struct s_LayerData {
+    int layerId = -1;
+    s_LayerIdObj layerIdObj;
+    int enable = 0;
+    int sourceId = 0;
+};
+
 }  // namespace LCD::ProtocolImpl

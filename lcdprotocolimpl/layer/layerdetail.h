@@ -239,6 +239,12 @@ struct s_LayerCutoutBody {
     AJSON(enable, type, intelligence, hue, brightness, cursor)
 };
 
+struct s_LayerCutout {
+    int layerId = -1;
+    s_LayerCutoutBody cutout;
+    AJSON(layerId, cutout)
+};
+
 struct s_LayerThreeDBody {
     int enable = -1;
     AJSON(enable)

@@ -14,11 +14,16 @@ std::vector<Component> sessionRows() {
     using System = ISystemDetail::RequestCBType;
     return {
         component<IAboutUs>("AboutUs", "lcdMemoryCacheAboutUs",
-                            {delivers<s_AboutUs>("AboutUsChanged", About::AboutUsChanged),
+                            {mirrors(delivers<s_AboutUs>("AboutUsChanged", About::AboutUsChanged), "/custom"),
                              delivers<std::string>("LanguageChanged", About::LanguageChanged),
-                             delivers<int>("CustomModeChanged", About::CustomModeChanged)}),
+                             mirrors(delivers<int>("CustomModeChanged", About::CustomModeChanged), "/custom/mode")},
+                            {0xe0100}),
         component<ISystemDetail>("SystemDetail", "lcdMemoryCacheSystemDetail",
-                                 {delivers<s_SystemDetail>("SystemDetailChanged", System::SystemDetailChanged)}),
+                                 {settable<s_SystemDetail>(mirrors(
+                                     delivers<s_SystemDetail>("SystemDetailChanged", System::SystemDetailChanged,
+                                                              "a change is not sent: the component takes none"),
+                                     "/system/detail"))},
+                                 {0x7115e}),
     };
 }
 

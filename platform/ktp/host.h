@@ -49,6 +49,10 @@ public:
         return static_cast<Interface*>(findComponent(lookupName));
     }
 
+    /// Returns when all messages that were posted before have been delivered. Between `start` and `stop`; any thread
+    /// but a component's.
+    void awaitMessages() { messageCenter_->await(); }
+
     void* findComponent(const char* lookupName) override;
     std::vector<ComponentStatus> components() const;
 

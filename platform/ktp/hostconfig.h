@@ -33,6 +33,8 @@ struct HostConfig {
     /// Reads a TOML file; `lcdpanel.toml` shows all that it may hold. A mistake is a `HostError` with file,
     /// line, key and value.
     static HostConfig fromFile(const std::filesystem::path& file);
+    /// All mistakes in a file, in its order, each as the error's text would be. Empty for one that can be run.
+    static std::vector<std::string> mistakesIn(const std::filesystem::path& file);
 
     /// Refuses what can't be run, as far as that is known before the plug-ins are loaded: with a `HostError`.
     void check() const;

@@ -40,24 +40,34 @@ inline constexpr TextSetting kDeviceUrl{"device.url", "http://127.0.0.1:8080", i
 inline constexpr std::int64_t kMinuteMs = 60'000;
 inline constexpr std::int64_t kMebibyte = 1 << 20;
 
-inline constexpr NumberSetting kConnectTimeoutMs{"device.connect-timeout-ms", 3000, 1, kMinuteMs};
-inline constexpr NumberSetting kRequestTimeoutMs{"device.request-timeout-ms", 10'000, 1, 60 * kMinuteMs};
-inline constexpr NumberSetting kStopGraceMs{"device.stop-grace-ms", 2000, 0, kMinuteMs};
-inline constexpr NumberSetting kLargestReply{"device.largest-reply-bytes", 64 * kMebibyte, 1024, 1024 * kMebibyte};
-inline constexpr NumberSetting kLargestUpload{"device.largest-upload-bytes", 64 * kMebibyte, 1024, 1024 * kMebibyte};
+// Each number: its name in code, its key in the file, the standard value, the least and the most.
+#define KTP_NUMBER_SETTINGS(SETTING)                                                               \
+    SETTING(kConnectTimeoutMs, "device.connect-timeout-ms", 3000, 1, kMinuteMs)                    \
+    SETTING(kRequestTimeoutMs, "device.request-timeout-ms", 10'000, 1, 60 * kMinuteMs)             \
+    SETTING(kStopGraceMs, "device.stop-grace-ms", 1400, 0, kMinuteMs)                              \
+    SETTING(kLoginEveryMs, "device.login-every-ms", 1000, 1, kMinuteMs)                            \
+    SETTING(kLoginWaitMs, "device.login-wait-ms", 2000, 0, kMinuteMs)                              \
+    SETTING(kDeepestNesting, "device.deepest-nesting", 256, 1, 1024)                               \
+    SETTING(kLargestReply, "device.largest-reply-bytes", 64 * kMebibyte, 1024, 1024 * kMebibyte)   \
+    SETTING(kLargestUpload, "device.largest-upload-bytes", 64 * kMebibyte, 1024, 1024 * kMebibyte) \
+    SETTING(kHeartbeatMs, "reports.heartbeat-ms", 1000, 10, kMinuteMs)                             \
+    SETTING(kFirstRetryMs, "reports.first-retry-ms", 100, 1, kMinuteMs)                            \
+    SETTING(kLongestRetryMs, "reports.longest-retry-ms", 5000, 1, kMinuteMs)                       \
+    SETTING(kResyncEveryMs, "reports.resync-every-ms", 250, 1, kMinuteMs)                          \
+    SETTING(kQueuedReports, "reports.queued-reports", 65'536, 1, 1 << 20)                          \
+    SETTING(kQueuedBytes, "reports.queued-bytes", 256 * kMebibyte, 1024, 4096 * kMebibyte)         \
+    SETTING(kLargestReport, "reports.largest-report-bytes", 8 * kMebibyte, 1024, 256 * kMebibyte)
 
-inline constexpr NumberSetting kHeartbeatMs{"reports.heartbeat-ms", 1000, 10, kMinuteMs};
-inline constexpr NumberSetting kFirstRetryMs{"reports.first-retry-ms", 100, 1, kMinuteMs};
-inline constexpr NumberSetting kLongestRetryMs{"reports.longest-retry-ms", 5000, 1, kMinuteMs};
-inline constexpr NumberSetting kQueuedReports{"reports.queued-reports", 65'536, 1, 1 << 20};
-inline constexpr NumberSetting kQueuedBytes{"reports.queued-bytes", 256 * kMebibyte, 1024, 4096 * kMebibyte};
-inline constexpr NumberSetting kLargestReport{"reports.largest-report-bytes", 8 * kMebibyte, 1024, 256 * kMebibyte};
+#define KTP_DEFINE_SETTING(name, ...) inline constexpr NumberSetting name{__VA_ARGS__};
+KTP_NUMBER_SETTINGS(KTP_DEFINE_SETTING)
+#define KTP_POINT_TO_SETTING(name, ...) &name,
+inline constexpr const NumberSetting* kNumberSettings[] = {KTP_NUMBER_SETTINGS(KTP_POINT_TO_SETTING)};
+#undef KTP_POINT_TO_SETTING
+#undef KTP_DEFINE_SETTING
+#undef KTP_NUMBER_SETTINGS
 
 inline constexpr TableSetting kProgramEditStatus{"program-edit-status"};
 
-inline constexpr const NumberSetting* kNumberSettings[] = {
-    &kConnectTimeoutMs, &kRequestTimeoutMs, &kStopGraceMs,   &kLargestReply, &kLargestUpload, &kHeartbeatMs,
-    &kFirstRetryMs,     &kLongestRetryMs,   &kQueuedReports, &kQueuedBytes,  &kLargestReport};
 inline constexpr const TextSetting* kTextSettings[] = {&kDeviceUrl};
 inline constexpr const TableSetting* kTableSettings[] = {&kProgramEditStatus};
 

@@ -49,6 +49,10 @@ public:
     std::string run(IMessageHandler& component);
     /// System stop for `component`, its last message.
     void stop(IMessageHandler& component);
+    /// Returns when all that was posted before has been delivered. Any thread but a component's.
+    void await() {
+        onThread([] {});
+    }
     /// The message `id` for every running component. Returns when all have had it.
     void tellAll(std::uint32_t id);
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <fstream>
 #include <limits>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -20,10 +21,12 @@ constexpr std::size_t kLargestFile = 1 << 20;
 
 std::string readText(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
-    std::string text(kLargestFile + 1, '\0');
-    if (!stream.is_open() || !std::filesystem::is_regular_file(file)) {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    if (!stream.is_open() || error) {
         throw HostError(fmt::format("{}: there is no such file that can be read", file.string()));
     }
+    std::string text(std::min<std::uintmax_t>(size, kLargestFile) + 1, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(stream.gcount()));
     if (text.size() > kLargestFile) {
@@ -43,17 +46,36 @@ public:
     explicit Reader(const std::filesystem::path& file) : file_(file) { config_.place = file.string() + ": "; }
 
     HostConfig read() {
-        const toml::table root = parse();
-        if (const toml::node* folder = root.get("plugin-folder")) {
-            pluginFolder_ = text({"plugin-folder", *folder});
-        }
-        for (const auto& [key, node] : root) {
-            readTop({std::string(key.str()), node});
-        }
+        attempt([this] { readRoot(parse()); });
         return std::move(config_);
     }
+    const std::vector<HostError>& mistakes() const { return mistakes_; }
 
 private:
+    // A mistake ends the reading of the smallest thing around it.
+    template <class Read>
+    void attempt(Read read) {
+        try {
+            read();
+        } catch (const HostError& error) {
+            mistakes_.push_back(error);
+        }
+    }
+
+    void readRoot(const toml::table& root) {
+        if (const toml::node* folder = root.get("plugin-folder")) {
+            attempt([&] { pluginFolder_ = text({"plugin-folder", *folder}); });
+        }
+        // The table is sorted by name; a person reads a file from its top.
+        std::map<std::pair<std::uint32_t, std::string>, const toml::node*> inOrder;
+        for (const auto& [key, node] : root) {
+            inOrder[{node.source().begin.line, std::string(key.str())}] = &node;
+        }
+        for (const auto& [place, node] : inOrder) {
+            attempt([&, &name = place.second, &value = *node] { readTop({name, value}); });
+        }
+    }
+
     toml::table parse() const {
         try {
             return toml::parse(readText(file_), file_.string());
@@ -112,11 +134,11 @@ private:
     void readTop(const Entry& entry) {
         if (entry.key == "plugins") {
             for (const toml::node& node : array(entry, "plugins = [\"NAME\", ...]")) {
-                readPlugin({entry.key, node});
+                attempt([&] { readPlugin({entry.key, node}); });
             }
         } else if (entry.key == "component") {
             for (const toml::node& node : array(entry, "[[component]]")) {
-                readComponent({entry.key, node});
+                attempt([&] { readComponent({entry.key, node}); });
             }
         } else if (entry.key != "plugin-folder" && !readTable(entry)) {
             readSection(entry);
@@ -203,9 +225,11 @@ private:
         }
         for (const auto& [key, node] : table(entry)) {
             const Entry member{prefix + std::string(key.str()), node};
-            if (!readSetting(member)) {
-                refuseUnknown(member, known);
-            }
+            attempt([&] {
+                if (!readSetting(member)) {
+                    refuseUnknown(member, known);
+                }
+            });
         }
     }
 
@@ -242,14 +266,36 @@ private:
     const std::filesystem::path file_;
     std::string pluginFolder_ = ".";
     HostConfig config_;
+    std::vector<HostError> mistakes_;
 };
 
 }  // namespace
 
 HostConfig HostConfig::fromFile(const std::filesystem::path& file) {
-    HostConfig config = Reader(file).read();
+    Reader reader(file);
+    HostConfig config = reader.read();
+    if (!reader.mistakes().empty()) {
+        throw HostError(reader.mistakes().front());
+    }
     config.check();
     return config;
+}
+
+std::vector<std::string> HostConfig::mistakesIn(const std::filesystem::path& file) {
+    Reader reader(file);
+    const HostConfig config = reader.read();
+    std::vector<std::string> texts;
+    for (const HostError& each : reader.mistakes()) {
+        texts.emplace_back(each.what());
+    }
+    if (texts.empty()) {
+        try {
+            config.check();
+        } catch (const HostError& error) {
+            texts.emplace_back(error.what());
+        }
+    }
+    return texts;
 }
 
 }  // namespace ktp

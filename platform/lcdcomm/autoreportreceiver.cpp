@@ -3,15 +3,26 @@
 #include <pthread.h>
 
 #include "kt/log.h"
+#include "ktp/api.h"
+#include "lcd/memorycache/constants.h"
 #include "platform/ktp/knownsettings.h"
 
 namespace lcdcomm {
+
+namespace {
+
+namespace constants = LCD::MemoryCache::constants;
+constexpr int kAllComponents = 9;
+
+}  // namespace
 
 AutoReportReceiver::AutoReportReceiver()
     : link_(Link::shared()),
       queue_(static_cast<std::size_t>(ktp::valueOf(ktp::kQueuedReports)),
              static_cast<std::size_t>(ktp::valueOf(ktp::kQueuedBytes)), link_->receiver.queued),
-      stream_(*link_, queue_) {}
+      stream_(*link_, queue_),
+      messageCenter_(ktp::api::get().find<ktp::IMessageCenter>(ktp::kMessageCenterName)),
+      resync_(std::chrono::milliseconds(ktp::valueOf(ktp::kResyncEveryMs)), link_->flights) {}
 
 void AutoReportReceiver::registerDecodeCallback(std::uint32_t reportId, LCD::CommChannel::DecodeCallback callback) {
     if (running_) {
@@ -54,13 +65,21 @@ void AutoReportReceiver::stop() {
 }
 
 void AutoReportReceiver::decode(const std::stop_token& stop) {
-    while (const std::optional<Delivery> delivery = queue_.take(stop)) {
-        std::visit([this](const auto& what) { deliver(what); }, *delivery);
+    while (!stop.stop_requested()) {
+        if (const std::optional<Delivery> delivery = queue_.take(stop, resync_.due())) {
+            std::visit([this](const auto& what) { deliver(what); }, *delivery);
+        }
+        if (resync_.take(Resync::Clock::now())) {
+            markMirrors();
+        }
     }
 }
 
 void AutoReportReceiver::deliver(const Report& report) {
     ReceiverCounters& counters = link_->receiver;
+    if (ICommObserver* observer = link_->observer) {
+        observer->reportArrived({report.id, report.source, report.body, report.epoch, report.number, report.arrival});
+    }
     const auto bound = callbacks_.find(report.id);
     if (bound == callbacks_.end()) {
         counters.unbound.fetch_add(1, std::memory_order_relaxed);
@@ -75,10 +94,29 @@ void AutoReportReceiver::deliver(const Report& report) {
 
 void AutoReportReceiver::deliver(Gap gap) {
     constexpr const char* kReasons[] = {"the stream was opened", "the device was started anew",
-                                        "numbers were passed over", "the queue was full"};
+                                        "numbers were passed over", "the queue was full", "one couldn't be read"};
     link_->receiver.gaps.fetch_add(1, std::memory_order_relaxed);
     if (gapLog_.due()) {
         KT_INFO("reports may be missing here: {}", kReasons[static_cast<std::size_t>(gap)]);
+    }
+    resync_.reportsMayBeMissing(Resync::Clock::now());
+    if (gap == Gap::NewEpoch) {
+        // A device forgets its sessions when it starts.
+        link_->session.askForLogin();
+    }
+}
+
+void AutoReportReceiver::markMirrors() {
+    if (messageCenter_ != nullptr) {
+        // As if the token had been cleared: that is what all mirrors know.
+        ktp::IMessage* message = messageCenter_->createMessage(constants::MSG_TOKEN_CLEARED,
+                                                               constants::OBJ_MEMORYCACHE_USER_NAME, nullptr, 0, 0);
+        messageCenter_->postMessage(&message, kAllComponents, 0);
+        messageCenter_->releaseMessage(message);
+    }
+    link_->receiver.resyncs.fetch_add(1, std::memory_order_relaxed);
+    if (ICommObserver* observer = link_->observer) {
+        observer->mirrorsStale();
     }
 }
 

@@ -9,11 +9,13 @@
 #include <vector>
 
 #include "ktp/imessage.h"
+#include "ktp/imessagecenter.h"
 #include "lcd/commchannel/autoreport.h"
+#include "platform/lcdcomm/atmostevery.h"
 #include "platform/lcdcomm/link.h"
-#include "platform/lcdcomm/oncepersecond.h"
 #include "platform/lcdcomm/reportqueue.h"
 #include "platform/lcdcomm/reportstream.h"
+#include "platform/lcdcomm/resync.h"
 
 namespace lcdcomm {
 
@@ -34,10 +36,13 @@ private:
     void decode(const std::stop_token& stop);
     void deliver(const Report& report);
     void deliver(Gap gap);
+    void markMirrors();
 
     const std::shared_ptr<Link> link_;
     ReportQueue queue_;
     ReportStream stream_;
+    ktp::IMessageCenter* const messageCenter_;  // null under a host without one
+    Resync resync_;                             // decoder thread
     OncePerSecond gapLog_;
     std::atomic<bool> running_ = false;
     // Fixed while it runs.

@@ -4,7 +4,7 @@
 
 namespace lcdcomm {
 
-bool EventParser::feed(std::string_view bytes, const std::function<void(StreamEvent)>& sink) {
+bool EventParser::feed(std::string_view bytes, const Sink& sink, const CommentSink& comments) {
     while (problem_ == nullptr && !bytes.empty()) {
         const std::size_t end = bytes.find('\n');
         const std::string_view piece = bytes.substr(0, end);
@@ -16,10 +16,10 @@ bool EventParser::feed(std::string_view bytes, const std::function<void(StreamEv
             break;
         }
         if (line_.empty()) {
-            takeLine(piece, sink);
+            takeLine(piece, sink, comments);
         } else {
             line_ += piece;
-            takeLine(line_, sink);
+            takeLine(line_, sink, comments);
             line_.clear();
         }
         bytes.remove_prefix(end + 1);
@@ -27,7 +27,7 @@ bool EventParser::feed(std::string_view bytes, const std::function<void(StreamEv
     return problem_ == nullptr;
 }
 
-bool EventParser::takeLine(std::string_view line, const std::function<void(StreamEvent)>& sink) {
+bool EventParser::takeLine(std::string_view line, const Sink& sink, const CommentSink& comments) {
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }
@@ -39,12 +39,15 @@ bool EventParser::takeLine(std::string_view line, const std::function<void(Strea
         return true;
     }
     const std::size_t colon = line.find(':');
-    if (colon == 0) {
-        return true;  // a comment
-    }
     std::string_view value = colon == std::string_view::npos ? std::string_view() : line.substr(colon + 1);
     if (!value.empty() && value.front() == ' ') {
         value.remove_prefix(1);
+    }
+    if (colon == 0) {
+        if (comments) {
+            comments(value);
+        }
+        return true;
     }
     return takeField(line.substr(0, colon), value);
 }
@@ -78,7 +81,7 @@ void EventParser::takeData(std::string_view value) {
     event_.data += value;
 }
 
-void EventParser::dispatch(const std::function<void(StreamEvent)>& sink) {
+void EventParser::dispatch(const Sink& sink) {
     if (hasEvent_ || hasId_ || hasData_) {
         sink(std::exchange(event_, {}));
     }

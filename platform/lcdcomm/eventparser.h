@@ -23,17 +23,21 @@ class EventParser {
 public:
     explicit EventParser(std::size_t largestEvent) : largest_(largestEvent) {}
 
-    /// Calls `sink` with each event that is complete. False when the stream is broken: for good.
-    bool feed(std::string_view bytes, const std::function<void(StreamEvent)>& sink);
+    using Sink = std::function<void(StreamEvent)>;
+    using CommentSink = std::function<void(std::string_view)>;
+
+    /// Calls `sink` with each event that is complete, and `comments` with the text of each comment line. False when the
+    /// stream is broken: for good.
+    bool feed(std::string_view bytes, const Sink& sink, const CommentSink& comments = {});
     /// What broke the stream; null while it is whole.
     const char* problem() const { return problem_; }
 
 private:
-    bool takeLine(std::string_view line, const std::function<void(StreamEvent)>& sink);
+    bool takeLine(std::string_view line, const Sink& sink, const CommentSink& comments);
     bool takeField(std::string_view name, std::string_view value);
     bool takeOnce(std::string& field, bool& seen, std::string_view value);
     void takeData(std::string_view value);
-    void dispatch(const std::function<void(StreamEvent)>& sink);
+    void dispatch(const Sink& sink);
     bool fail(const char* problem);
 
     const std::size_t largest_;

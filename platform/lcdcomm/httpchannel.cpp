@@ -3,6 +3,7 @@
 #include "kt/log.h"
 #include "platform/ktp/hostmessages.h"
 #include "platform/ktp/knownsettings.h"
+#include "platform/lcdcomm/gate.h"
 #include "platform/lcdcomm/multipartform.h"
 
 namespace lcdcomm {
@@ -11,14 +12,37 @@ namespace {
 
 constexpr std::size_t kLongestToken = 4096;
 
-const char* reasonOf(CURLcode result) {
+constexpr std::uint16_t kOk = 200;
+constexpr std::uint16_t kUnauthorized = 401;
+constexpr std::string_view kLoginPath = "/zelto/v1/system/auth/login";
+
+RequestEnd endOf(CURLcode result) {
     switch (result) {
+        case CURLE_OK:
+            return RequestEnd::Replied;
         case CURLE_WRITE_ERROR:
-            return "the reply is larger than allowed";
+        case CURLE_FILESIZE_EXCEEDED:
+            return RequestEnd::TooLarge;
+        case CURLE_OPERATION_TIMEDOUT:
+            return RequestEnd::TimedOut;
+        case CURLE_COULDNT_RESOLVE_HOST:
+        case CURLE_COULDNT_CONNECT:
+            return RequestEnd::Unreachable;
+        case CURLE_PEER_FAILED_VERIFICATION:
+        case CURLE_SSL_CACERT_BADFILE:
+            return RequestEnd::Distrusted;
+        case CURLE_GOT_NOTHING:
+        case CURLE_PARTIAL_FILE:
+        case CURLE_RECV_ERROR:
+        case CURLE_SEND_ERROR:
+            return RequestEnd::Cut;
+        case CURLE_UNSUPPORTED_PROTOCOL:
+        case CURLE_WEIRD_SERVER_REPLY:
+            return RequestEnd::Garbled;
         case CURLE_ABORTED_BY_CALLBACK:
-            return "broken off by the stop";
+            return RequestEnd::Stopped;
         default:
-            return curl_easy_strerror(result);
+            return RequestEnd::Failed;
     }
 }
 
@@ -36,12 +60,15 @@ HttpChannel::HttpChannel()
       connectTimeout_(ktp::valueOf(ktp::kConnectTimeoutMs)),
       largestReply_(static_cast<std::size_t>(ktp::valueOf(ktp::kLargestReply))),
       largestUpload_(static_cast<std::size_t>(ktp::valueOf(ktp::kLargestUpload))),
+      deepest_(static_cast<std::size_t>(ktp::valueOf(ktp::kDeepestNesting))),
       timeoutMs_(static_cast<int>(ktp::valueOf(ktp::kRequestTimeoutMs))),
       transfers_(std::chrono::milliseconds(ktp::valueOf(ktp::kStopGraceMs))) {}
 
 void HttpChannel::setTimeoutMs(int milliseconds) {
     if (milliseconds <= 0) {
-        KT_WARN("a time-out of {} ms is none, {} ms stay", milliseconds, timeoutMs_.load());
+        if (misuseLog_.due()) {
+            KT_WARN("a time-out of {} ms is none, {} ms stay", milliseconds, timeoutMs_.load());
+        }
         return;
     }
     timeoutMs_ = milliseconds;
@@ -49,10 +76,10 @@ void HttpChannel::setTimeoutMs(int milliseconds) {
 
 void HttpChannel::setToken(const std::string& token) {
     const bool usable = token.size() <= kLongestToken && isToken(token);
-    if (!usable) {
+    if (!usable && misuseLog_.due()) {
         KT_WARN("a token of {} bytes can't be sent, it counts as none", token.size());
     }
-    link_->token.set(usable ? token : std::string());
+    link_->session.setToken(usable ? token : std::string());
 }
 
 std::shared_ptr<LCD::Comm::FormData> HttpChannel::createFormData() {
@@ -61,29 +88,34 @@ std::shared_ptr<LCD::Comm::FormData> HttpChannel::createFormData() {
 
 int HttpChannel::handleMessage(const ktp::IMessage* message) {
     if (message->id() == ktp::kStopAhead) {
+        stop_.request_stop();
         transfers_.endSoon();
     } else if (message->id() == ktp::kSystemStop) {
+        stop_.request_stop();
         transfers_.close();
     }
     return 0;
 }
 
 bool HttpChannel::send(const Request& request, std::uint16_t& status, std::string& response) {
+    const auto start = Clock::now();
     // Given back last: a stop waits for it before this object goes.
     const TransferPool::Lease transfer = transfers_.lease();
+    Reply reply;
     if (!transfer) {
         link_->channel.refused.fetch_add(1, std::memory_order_relaxed);
-        return false;
+        reply.how = RequestEnd::Stopped;
+    } else if (!isWellFormed(request)) {
+        reply.how = RequestEnd::Malformed;
+    } else if (request.path == kLoginPath) {
+        // The old token would only be in the way.
+        reply = perform(*transfer, request, {});
+    } else {
+        const Flight flight(link_->flights);
+        reply = performAuthorized(*transfer, request);
     }
-    if (!isWellFormed(request)) {
-        KT_WARN("{} has a path or a header that can't be sent", request.verb);
-        return false;
-    }
-    Reply reply = perform(*transfer, request, link_->token.get());
-    if (reply.result != CURLE_OK) {
-        if (failureLog_.due()) {
-            KT_WARN("{} {}{} got no reply: {}", request.verb, baseUrl_, request.path, reasonOf(reply.result));
-        }
+    tell(request, reply, start);
+    if (reply.how != RequestEnd::Replied) {
         return false;
     }
     status = reply.status;
@@ -91,22 +123,49 @@ bool HttpChannel::send(const Request& request, std::uint16_t& status, std::strin
     return true;
 }
 
+// What the device refuses for its token goes out once more with a new one.
+HttpChannel::Reply HttpChannel::performAuthorized(Transfer& transfer, const Request& request) {
+    const Token token = link_->session.token();
+    Reply reply = perform(transfer, request, token.text);
+    if (reply.status != kUnauthorized) {
+        return reply;
+    }
+    link_->session.refused(token);
+    if (const std::optional<Token> newer = link_->session.replacementOf(token, stop_.get_token())) {
+        reply = perform(transfer, request, newer->text);
+        reply.resent = true;
+        if (reply.status == kUnauthorized) {
+            link_->session.refused(*newer);
+        }
+    }
+    return reply;
+}
+
 HttpChannel::Reply HttpChannel::perform(Transfer& transfer, const Request& request, const std::string& token) {
     transfer.prepare(urlOf(baseUrl_, request), connectTimeout_);
     transfer.set(CURLOPT_TIMEOUT_MS, static_cast<long>(timeoutMs_));
     setBody(transfer, request);
+    if (std::string_view(request.verb) == "POST") {
+        transfer.sendOnce();
+    }
     HeaderLines headers;
     addHeaders(headers, request, token);
     transfer.set(CURLOPT_HTTPHEADER, headers.get());
     Reply reply;
     BoundedBody body{reply.body, largestReply_};
+    // What is announced as too large isn't even begun.
+    transfer.set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(largestReply_));
     transfer.set(CURLOPT_WRITEFUNCTION, &HttpChannel::takeBody);
     transfer.set(CURLOPT_WRITEDATA, &body);
 
-    reply.result = transfer.run([this] { return transfers_.remaining(); });
+    const CURLcode result = transfer.run([this] { return transfers_.remaining(); });
     long status = 0;
     curl_easy_getinfo(transfer.easy(), CURLINFO_RESPONSE_CODE, &status);
     reply.status = static_cast<std::uint16_t>(status);
+    reply.how = endOf(result);
+    if (result == CURLE_OK && reply.status == kOk && !passesGate(reply.body, deepest_)) {
+        reply.how = RequestEnd::Gated;
+    }
     count(transfer, reply);
     return reply;
 }
@@ -120,10 +179,24 @@ void HttpChannel::count(Transfer& transfer, const Reply& reply) {
     counters.requests.fetch_add(1, std::memory_order_relaxed);
     counters.bytesSent.fetch_add(static_cast<std::uint64_t>(sent), std::memory_order_relaxed);
     counters.bytesReceived.fetch_add(reply.body.size(), std::memory_order_relaxed);
-    if (reply.result == CURLE_OK) {
+    if (reply.how == RequestEnd::Replied) {
         counters.addLatency(std::chrono::microseconds(time));
     } else {
         counters.failures.fetch_add(1, std::memory_order_relaxed);
+    }
+    if (reply.how == RequestEnd::Gated) {
+        counters.gated.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+void HttpChannel::tell(const Request& request, const Reply& reply, Clock::time_point start) {
+    if (ICommObserver* observer = link_->observer) {
+        observer->requestEnded({request.verb, request.path, request.body, reply.status == 0 ? nullptr : &reply.body,
+                                reply.how, reply.how == RequestEnd::Replied, reply.resent, reply.status,
+                                request.sequenceTag, start, Clock::now()});
+    }
+    if (reply.how != RequestEnd::Replied && failureLog_.due()) {
+        KT_WARN("{} {}{} {}", request.verb, baseUrl_, request.path, textOf(reply.how));
     }
 }
 

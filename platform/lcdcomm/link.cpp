@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <mutex>
 
+#include "platform/ktp/knownsettings.h"
 #include "platform/lcdcomm/curllibrary.h"
 
 namespace lcdcomm {
@@ -13,36 +15,17 @@ void ChannelCounters::addLatency(std::chrono::microseconds time) {
 }
 
 ChannelStatus ChannelCounters::status() const {
-    ChannelStatus sums{requests, failures, refused, bytesSent, bytesReceived, {}};
+    ChannelStatus sums{requests, failures, gated, refused, bytesSent, bytesReceived, {}};
     std::copy(latency.begin(), latency.end(), sums.latency.begin());
     return sums;
 }
 
 ReceiverStatus ReceiverCounters::status() const {
-    return {connected,  connects, bytes,   reports,        malformed, late,
-            overflowed, unbound,  decoded, decoderRefused, gaps,      queued};
+    return {connected,  connects, bytes,   reports,        malformed, gated,   late,
+            overflowed, unbound,  decoded, decoderRefused, gaps,      resyncs, queued};
 }
 
-void TokenBox::set(const std::string& token) {
-    {
-        const std::lock_guard lock(mutex_);
-        token_ = token;
-    }
-    changed_.notify_all();
-}
-
-std::string TokenBox::get() const {
-    const std::lock_guard lock(mutex_);
-    return token_;
-}
-
-std::string TokenBox::await(const std::string& unwanted, std::chrono::milliseconds time,
-                            const std::stop_token& stop) const {
-    std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, stop, time, [&] { return !token_.empty() && token_ != unwanted; });
-    changed_.wait(lock, stop, [&] { return !token_.empty(); });
-    return stop.stop_requested() ? std::string() : token_;
-}
+Link::Link() : flights(std::chrono::milliseconds(ktp::valueOf(ktp::kResyncEveryMs))) {}
 
 std::shared_ptr<Link> Link::shared() {
     static std::mutex mutex;

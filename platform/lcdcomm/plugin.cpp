@@ -11,6 +11,9 @@ class CommStatus final : public ICommStatus {
 public:
     ChannelStatus channel() const override { return link_->channel.status(); }
     ReceiverStatus receiver() const override { return link_->receiver.status(); }
+    SessionStatus session() const override { return link_->session.status(); }
+    void onLoginNeeded(std::function<void()> ask) override { link_->session.onLoginNeeded(std::move(ask)); }
+    void observe(ICommObserver* observer) override { link_->observer = observer; }
 
 private:
     const std::shared_ptr<Link> link_ = Link::shared();

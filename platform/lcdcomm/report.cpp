@@ -1,10 +1,11 @@
 #include "platform/lcdcomm/report.h"
 
 #include <charconv>
-#include <cmath>
-#include <limits>
-#include <nlohmann/json.hpp>
 #include <string_view>
+#include <utility>
+
+#include "json/ajson.h"
+#include "platform/lcdcomm/gate.h"
 
 namespace lcdcomm {
 
@@ -12,6 +13,7 @@ namespace {
 
 constexpr std::size_t kLongestEpoch = 64;
 constexpr std::size_t kLongestSource = 8192;
+constexpr std::size_t kDeepestSource = 8;
 
 template <class Number>
 bool readNumber(std::string_view text, int base, Number& out) {
@@ -19,33 +21,35 @@ bool readNumber(std::string_view text, int base, Number& out) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
-bool readOrder(std::string_view id, Report& report) {
+bool readOrder(std::string_view id, std::string& epoch, std::uint64_t& number) {
     const std::size_t dash = id.rfind('-');
     if (dash == 0 || dash == std::string_view::npos || dash > kLongestEpoch) {
         return false;
     }
-    report.epoch = id.substr(0, dash);
-    return readNumber(id.substr(dash + 1), 10, report.number);
+    epoch = id.substr(0, dash);
+    return readNumber(id.substr(dash + 1), 10, number);
 }
 
-bool readSource(std::string_view text, LCD::CommChannel::AutoReportSource& source) {
-    if (text.size() > kLongestSource) {
+struct Source {
+    std::string token;
+    std::int32_t sequence = 0;
+    AJSON(token, sequence)
+};
+
+// Behind the gate, which knows no other texts than whole ones.
+bool readSource(const std::string& text, LCD::CommChannel::AutoReportSource& out) {
+    if (text.size() > kLongestSource || !passesGate(text, kDeepestSource)) {
         return false;
     }
-    const auto json = nlohmann::json::parse(text, nullptr, false);
-    if (!json.is_object() || !json.contains("token") || !json.contains("sequence")) {
+    try {
+        ajson::reader in(text);
+        Source source;
+        ajson::detail::read_document(in, ajson::detail::type_of<Source>(), &source);
+        out = {std::move(source.token), source.sequence};
+        return true;
+    } catch (const ajson::exception&) {
         return false;
     }
-    const auto& token = json["token"];
-    const auto& sequence = json["sequence"];
-    // A double holds every number that may stand here.
-    const double value = sequence.is_number_integer() ? sequence.get<double>() : HUGE_VAL;
-    if (!token.is_string() || value < std::numeric_limits<std::int32_t>::min() ||
-        value > std::numeric_limits<std::int32_t>::max()) {
-        return false;
-    }
-    source = {token.get<std::string>(), static_cast<std::int32_t>(value)};
-    return true;
 }
 
 }  // namespace
@@ -54,8 +58,8 @@ std::optional<Report> readReport(const StreamEvent& event) {
     Report report;
     const std::string_view data = event.data;
     const std::size_t lineEnd = data.find('\n');
-    if (!readNumber(event.event, 16, report.id) || !readOrder(event.id, report) ||
-        !readSource(data.substr(0, lineEnd), report.source)) {
+    if (!readNumber(event.event, 16, report.id) || !readOrder(event.id, report.epoch, report.number) ||
+        !readSource(std::string(data.substr(0, lineEnd)), report.source)) {
         return std::nullopt;
     }
     if (lineEnd != std::string_view::npos) {
@@ -65,19 +69,28 @@ std::optional<Report> readReport(const StreamEvent& event) {
 }
 
 ReportOrder::Verdict ReportOrder::take(const Report& report) {
-    Verdict verdict;
-    if (report.epoch != epoch_) {
-        if (!epoch_.empty()) {
-            verdict.gap = Gap::NewEpoch;
-        }
-    } else if (report.number <= last_) {
+    if (report.epoch == epoch_ && report.number <= last_) {
         return {false, std::nullopt};
-    } else if (report.number != last_ + 1) {
-        verdict.gap = Gap::Numbers;
     }
-    epoch_ = report.epoch;
-    last_ = report.number;
-    return verdict;
+    return {true, moveTo(report.epoch, report.number, report.number - 1)};
+}
+
+std::optional<Gap> ReportOrder::takeComment(std::string_view text) {
+    std::string epoch;
+    std::uint64_t number = 0;
+    if (!readOrder(text, epoch, number) || (epoch == epoch_ && number <= last_)) {
+        return std::nullopt;
+    }
+    return moveTo(epoch, number, number);
+}
+
+std::optional<Gap> ReportOrder::moveTo(const std::string& epoch, std::uint64_t number, std::uint64_t expected) {
+    const bool first = epoch_.empty();
+    const bool started = epoch != epoch_;
+    const bool missed = !started && last_ != expected;
+    epoch_ = epoch;
+    last_ = number;
+    return started && !first ? std::optional(Gap::NewEpoch) : missed ? std::optional(Gap::Numbers) : std::nullopt;
 }
 
 }  // namespace lcdcomm

@@ -1,9 +1,11 @@
 // A report of the device.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "lcd/commchannel/autoreport.h"
 #include "platform/lcdcomm/eventparser.h"
@@ -16,6 +18,7 @@ struct Report {
     std::uint64_t number = 0;
     LCD::CommChannel::AutoReportSource source;
     std::string body;
+    std::chrono::steady_clock::time_point arrival{};
 };
 
 /// The report that an event holds: its id in hexadecimal as the event's name, "EPOCH-NUMBER" as its id, the
@@ -28,6 +31,7 @@ enum class Gap {
     NewEpoch,   ///< the device was started anew
     Numbers,    ///< numbers were passed over
     Overflow,   ///< the queue was full
+    Refused,    ///< something came that was no report, or none that can be read to its end
 };
 
 /// Follows the numbers of the reports, which rise by one within an epoch.
@@ -39,8 +43,12 @@ public:
     };
 
     Verdict take(const Report& report);
+    /// A comment line of the stream, which may tell the number of the last report: "EPOCH-NUMBER".
+    std::optional<Gap> takeComment(std::string_view text);
 
 private:
+    std::optional<Gap> moveTo(const std::string& epoch, std::uint64_t number, std::uint64_t expected);
+
     std::string epoch_;
     std::uint64_t last_ = 0;
 };

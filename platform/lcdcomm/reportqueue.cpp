@@ -52,10 +52,19 @@ void ReportQueue::putGapLocked(Gap gap) {
     deliveries_.emplace_back(gap);
 }
 
-std::optional<Delivery> ReportQueue::take(const std::stop_token& stop) {
+std::optional<Delivery> ReportQueue::take(const std::stop_token& stop, Clock::time_point end) {
+    const std::stop_callback wakeForStop(stop, [this] {
+        { const std::lock_guard lock(mutex_); }  // a taker that has seen no stop yet waits by now
+        filled_.notify_one();
+    });
     std::unique_lock lock(mutex_);
-    filled_.wait(lock, stop, [this] { return !deliveries_.empty(); });
-    if (stop.stop_requested()) {
+    const auto awaited = [&] { return !deliveries_.empty() || stop.stop_requested(); };
+    if (end == Clock::time_point::max()) {
+        filled_.wait(lock, awaited);  // spares the timer
+    } else {
+        filled_.wait_until(lock, end, awaited);
+    }
+    if (deliveries_.empty() || stop.stop_requested()) {
         return std::nullopt;
     }
     Delivery delivery = std::move(deliveries_.front());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -22,6 +23,8 @@ using Delivery = std::variant<Report, Gap>;
 /// one another without a report are one for each kind at most. One thread puts, one takes.
 class ReportQueue {
 public:
+    using Clock = std::chrono::steady_clock;
+
     /// `depth` follows the number of reports that wait.
     ReportQueue(std::size_t mostReports, std::size_t mostBytes, std::atomic<std::uint64_t>& depth)
         : mostReports_(mostReports), mostBytes_(mostBytes), depth_(depth) {}
@@ -29,8 +32,9 @@ public:
     /// False when the queue is full.
     bool put(Report report);
     void put(Gap gap);
-    /// Waits for the next delivery; none when `stop` is requested, whatever is still queued.
-    std::optional<Delivery> take(const std::stop_token& stop);
+    /// Waits for the next delivery. None when there was none by `end`, and when `stop` is requested, whatever is
+    /// still queued.
+    std::optional<Delivery> take(const std::stop_token& stop, Clock::time_point end = Clock::time_point::max());
 
 private:
     void putGapLocked(Gap gap);
@@ -40,7 +44,7 @@ private:
 
     std::atomic<std::uint64_t>& depth_;  // written under mutex_
     std::mutex mutex_;
-    std::condition_variable_any filled_;
+    std::condition_variable filled_;
     std::deque<Delivery> deliveries_;  // guarded by mutex_
     std::size_t bytes_ = 0;            // guarded by mutex_
 };

@@ -6,10 +6,10 @@
 #include <stop_token>
 #include <string>
 
+#include "platform/lcdcomm/atmostevery.h"
 #include "platform/lcdcomm/backoff.h"
 #include "platform/lcdcomm/eventparser.h"
 #include "platform/lcdcomm/link.h"
-#include "platform/lcdcomm/oncepersecond.h"
 #include "platform/lcdcomm/report.h"
 #include "platform/lcdcomm/reportqueue.h"
 #include "platform/lcdcomm/transfer.h"
@@ -42,10 +42,12 @@ private:
     };
 
     /// How long the stream was open.
-    Milliseconds readOnce(const std::string& token, const std::stop_token& stop);
+    Milliseconds readOnce(const Token& token, const std::stop_token& stop);
     bool takeBytes(Connection& connection, std::string_view bytes);
     void takeEvent(const StreamEvent& event);
+    void drop(Counter& counter, const char* reason);
     void connected(Connection& connection);
+    long status() const;
     const char* refusal() const;
     const char* problemOf(const Connection& connection, CURLcode result) const;
     static std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* connection);
@@ -57,11 +59,13 @@ private:
     const Milliseconds connectTimeout_;
     const Milliseconds silence_;
     const std::size_t largestReport_;
+    const std::size_t deepest_;
 
     Transfer transfer_;
     ReportOrder order_;
     Backoff backoff_;
     OncePerSecond problemLog_;
+    OncePerSecond openLog_;
 };
 
 }  // namespace lcdcomm

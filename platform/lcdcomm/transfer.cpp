@@ -8,6 +8,7 @@ namespace lcdcomm {
 namespace {
 
 constexpr Transfer::Milliseconds kLongestSleep = std::chrono::minutes(1);
+constexpr long kFreshSeconds = 1;
 
 }  // namespace
 
@@ -26,6 +27,7 @@ Transfer::~Transfer() {
 
 void Transfer::prepare(const std::string& url, Milliseconds connectTimeout) {
     curl_easy_reset(easy_);
+    sends_ = 0;
     set(CURLOPT_URL, url.c_str());
     set(CURLOPT_PATH_AS_IS, 1L);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
@@ -36,13 +38,24 @@ void Transfer::prepare(const std::string& url, Milliseconds connectTimeout) {
     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(connectTimeout.count()));
 }
 
+void Transfer::sendOnce() {
+    set(CURLOPT_PREREQFUNCTION, &Transfer::beforeSend);
+    set(CURLOPT_PREREQDATA, &sends_);
+    // One that the device is about to close isn't worth the risk.
+    set(CURLOPT_MAXAGE_CONN, kFreshSeconds);
+}
+
+int Transfer::beforeSend(void* sends, char* /*to*/, char* /*from*/, int /*toPort*/, int /*fromPort*/) {
+    return ++*static_cast<int*>(sends) > 1 ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+}
+
 CURLcode Transfer::run(const std::function<Milliseconds()>& remaining) {
     if (curl_multi_add_handle(multi_, easy_) != CURLM_OK) {
         return CURLE_FAILED_INIT;
     }
     const CURLcode result = drive(remaining);
     curl_multi_remove_handle(multi_, easy_);
-    return result;
+    return sends_ > 1 ? CURLE_GOT_NOTHING : result;
 }
 
 CURLcode Transfer::drive(const std::function<Milliseconds()>& remaining) {

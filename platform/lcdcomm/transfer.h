@@ -42,6 +42,9 @@ public:
         curl_easy_setopt(easy_, option, value);
     }
     CURL* easy() const { return easy_; }
+    /// Of what changes something with each time that it arrives: libcurl would send it again when a kept connection
+    /// ends without a reply, though the device may have carried it out. Ends with `CURLE_GOT_NOTHING` instead.
+    void sendOnce();
 
     /// Runs the transfer. `remaining` tells how long it may still take; it is asked again after each piece of
     /// work and each `wake`, and nothing left breaks the transfer off with `CURLE_ABORTED_BY_CALLBACK`.
@@ -51,9 +54,11 @@ public:
 
 private:
     CURLcode drive(const std::function<Milliseconds()>& remaining);
+    static int beforeSend(void* sends, char* to, char* from, int toPort, int fromPort);
 
     CURL* const easy_;
     CURLM* const multi_;
+    int sends_ = 0;  // since `sendOnce`
 };
 
 }  // namespace lcdcomm

@@ -117,7 +117,7 @@ private:
         } else if (line.empty()) {
             events_.push_back(next_);
         } else {
-            EXPECT_EQ(line, ":") << "neither event nor comment";
+            EXPECT_TRUE(line.starts_with(": ")) << "neither event nor comment: " << line;
         }
     }
 

@@ -11,6 +11,8 @@
 #include "ktp/imessagecenter.h"
 #include "lcd/comm/ihttpchannel.h"
 #include "lcd/commchannel/autoreport.h"
+#include "lcd/memorycache/isequence.h"
+#include "lcd/memorycache/iuser.h"
 #include "tests/support/waiting.h"
 
 namespace lcdtest {
@@ -200,6 +202,41 @@ public:
 
 private:
     std::map<std::string, void*> components_;
+};
+
+/// Says what the session's token is.
+class FakeUser final : public LCD::MemoryCache::IUser {
+public:
+    explicit FakeUser(std::string token) : token_(std::move(token)) {}
+    void registerRequestCallBack(const std::string&, RequestCBType, const std::function<void(std::any)>&) override {}
+    void asyncLogin() override {}
+    std::string token() override { return token_; }
+    void clearToken() override {}
+
+private:
+    std::string token_;
+};
+
+/// The book of numbers without its timer.
+class FakeSequence final : public LCD::MemoryCache::ISequence {
+public:
+    void intert(unsigned int id, const std::string& requestName) override {
+        const std::lock_guard lock(mutex_);
+        entries_[id] = {++drawn_, requestName};
+    }
+    int getSeq(unsigned int id) override {
+        const std::lock_guard lock(mutex_);
+        return entries_[id].first;
+    }
+    std::string getRequestName(unsigned int id) override {
+        const std::lock_guard lock(mutex_);
+        return entries_[id].second;
+    }
+
+private:
+    std::mutex mutex_;
+    int drawn_ = 0;
+    std::map<unsigned int, std::pair<int, std::string>> entries_;
 };
 
 /// A component under test, started and stopped as the platform does it.

@@ -1,4 +1,4 @@
-// A subscriber that keeps what it is given.
+// Subscribers that keep what they are given.
 #pragma once
 
 #include <any>
@@ -11,16 +11,37 @@
 
 namespace lcdtest {
 
-class Inbox {
+/// What one thread brings and another waits for.
+template <class T>
+class Kept {
+public:
+    void add(T value) {
+        monitor_.change([&] { all_.push_back(std::move(value)); });
+    }
+    bool waitFor(std::size_t count) const {
+        return monitor_.waitUntil([&] { return all_.size() >= count; });
+    }
+    bool waitUntilLast(const T& value) const {
+        return monitor_.waitUntil([&] { return !all_.empty() && all_.back() == value; });
+    }
+    std::size_t count() const { return all().size(); }
+    std::vector<T> all() const {
+        return monitor_.read([&] { return all_; });
+    }
+    /// The latest, or an empty one.
+    T last() const {
+        return monitor_.read([&] { return all_.empty() ? T() : T(all_.back()); });
+    }
+
+private:
+    Monitor monitor_;
+    std::vector<T> all_;
+};
+
+class Inbox : public Kept<std::any> {
 public:
     std::function<void(std::any)> callback() {
-        return [this](std::any payload) { monitor_.change([&] { all_.push_back(std::move(payload)); }); };
-    }
-    bool waitFor(std::size_t count, std::chrono::milliseconds deadline = kDeadline) const {
-        return monitor_.waitUntil([&] { return all_.size() >= count; }, deadline);
-    }
-    std::size_t count() const {
-        return monitor_.read([&] { return all_.size(); });
+        return [this](std::any payload) { add(std::move(payload)); };
     }
     /// The payload of delivery `index`; waits for it.
     template <class T>
@@ -28,34 +49,20 @@ public:
         if (!waitFor(index + 1)) {
             throw std::runtime_error("no such delivery came in time");
         }
-        return monitor_.read([&] { return std::any_cast<std::shared_ptr<T>>(all_[index]); });
+        return std::any_cast<std::shared_ptr<T>>(all()[index]);
     }
     template <class T>
     T at(std::size_t index) const {
         return *shared<T>(index);
     }
-
-private:
-    Monitor monitor_;
-    std::vector<std::any> all_;
 };
 
 /// What a change's callback is told.
-class Results {
+class Results : public Kept<bool> {
 public:
     std::function<void(bool)> callback() {
-        return [this](bool ok) { monitor_.change([&] { all_.push_back(ok); }); };
+        return [this](bool ok) { add(ok); };
     }
-    bool waitFor(std::size_t count) const {
-        return monitor_.waitUntil([&] { return all_.size() >= count; });
-    }
-    std::vector<bool> all() const {
-        return monitor_.read([&] { return all_; });
-    }
-
-private:
-    Monitor monitor_;
-    std::vector<bool> all_;
 };
 
 }  // namespace lcdtest

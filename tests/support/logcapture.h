@@ -1,10 +1,11 @@
 // The lines that the application's logger writes while this lives.
 #pragma once
 
-#include <spdlog/sinks/base_sink.h>
+#include <spdlog/pattern_formatter.h>
+#include <spdlog/sinks/ringbuffer_sink.h>
 
 #include <algorithm>
-#include <mutex>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,12 +15,16 @@ namespace lcdtest {
 
 class LogCapture {
 public:
-    LogCapture() : sink_(std::make_shared<Sink>()) { KT::SpdlogApplication::instance().addSink(sink_); }
+    LogCapture() {
+        sink_->set_formatter(
+            std::make_unique<spdlog::pattern_formatter>("%l: %v", spdlog::pattern_time_type::local, ""));
+        KT::SpdlogApplication::instance().addSink(sink_);
+    }
     ~LogCapture() { KT::SpdlogApplication::instance().removeSink(sink_); }
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    std::vector<std::string> lines() const { return sink_->lines(); }
+    std::vector<std::string> lines() const { return sink_->last_formatted(); }
     std::size_t count(const std::string& text) const {
         const auto all = lines();
         return static_cast<std::size_t>(std::count_if(
@@ -28,24 +33,8 @@ public:
     bool contains(const std::string& text) const { return count(text) != 0; }
 
 private:
-    class Sink : public spdlog::sinks::base_sink<std::mutex> {
-    public:
-        std::vector<std::string> lines() {
-            std::lock_guard lock(mutex_);
-            return lines_;
-        }
-
-    private:
-        void sink_it_(const spdlog::details::log_msg& message) override {
-            lines_.push_back(std::string(spdlog::level::to_string_view(message.level).data())
-                                 .append(": ")
-                                 .append(message.payload.data(), message.payload.size()));
-        }
-        void flush_() override {}
-        std::vector<std::string> lines_;
-    };
-
-    std::shared_ptr<Sink> sink_;
+    const std::shared_ptr<spdlog::sinks::ringbuffer_sink_mt> sink_ =
+        std::make_shared<spdlog::sinks::ringbuffer_sink_mt>(1000);
 };
 
 }  // namespace lcdtest

@@ -12,6 +12,7 @@
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace lcdtest {
 
@@ -23,11 +24,7 @@ inline constexpr bool kSanitized = false;
 #endif
 
 /// What a stop may take when nothing holds it up.
-#ifdef LCD_TEST_SANITIZED
-inline constexpr std::chrono::milliseconds kPromptly{2000};
-#else
-inline constexpr std::chrono::milliseconds kPromptly{100};
-#endif
+inline constexpr std::chrono::milliseconds kPromptly{kSanitized ? 2000 : 100};
 
 /// Waits until `condition` holds, for as long as a busy machine may need. False when it never did.
 inline bool eventually(const std::function<bool()>& condition,
@@ -40,6 +37,17 @@ inline bool eventually(const std::function<bool()>& condition,
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
+}
+
+/// Runs `act` with the numbers below `count`, each in a thread of its own, and waits for all.
+inline void inThreads(unsigned count, const std::function<void(unsigned)>& act) {
+    std::vector<std::thread> threads;
+    for (unsigned number = 0; number < count; ++number) {
+        threads.emplace_back(act, number);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
 }
 
 inline std::size_t entriesOf(const char* folder) {

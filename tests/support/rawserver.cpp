@@ -88,9 +88,9 @@ bool RawConnection::send(const std::string& bytes) {
     return true;
 }
 
-bool RawConnection::reply(int status, const std::string& body, const std::string& headers) {
+bool RawConnection::reply(int status, const std::string& body) {
     return send("HTTP/1.1 " + std::to_string(status) + " Status\r\nContent-Length: " + std::to_string(body.size()) +
-                "\r\n" + headers + "\r\n" + body);
+                "\r\n\r\n" + body);
 }
 
 void RawConnection::waitForEnd() {
@@ -149,12 +149,6 @@ RawServer::Serve answering(std::function<std::string(const RawRequest&)> answer)
             connection.reply(200, answer(*request));
         }
     };
-}
-
-int unusedPort() {
-    int port = 0;
-    close(listenOnLoopback(port));
-    return port;
 }
 
 }  // namespace lcdtest

@@ -28,7 +28,7 @@ public:
     /// False when nobody listens any more.
     bool send(const std::string& bytes);
     /// An answer with a length, on a connection that stays.
-    bool reply(int status, const std::string& body, const std::string& headers = "");
+    bool reply(int status, const std::string& body);
     /// Waits until the other side or the server closes the connection.
     void waitForEnd();
 
@@ -48,7 +48,6 @@ public:
     ~RawServer();
 
     std::string url() const { return "http://127.0.0.1:" + std::to_string(port_); }
-    int port() const { return port_; }
     /// Connections accepted so far.
     int accepted() const;
 
@@ -71,8 +70,5 @@ private:
 
 /// Serves requests one after the other with `answer`, which returns the body of a reply with status 200.
 RawServer::Serve answering(std::function<std::string(const RawRequest&)> answer);
-
-/// A port of this host on which nobody listens.
-int unusedPort();
 
 }  // namespace lcdtest

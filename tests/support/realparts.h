@@ -8,6 +8,7 @@
 
 #include "panel/session.h"
 #include "panel/simcontrol.h"
+#include "panel/verify.h"
 #include "tests/support/inbox.h"
 #include "tests/support/processguard.h"
 
@@ -15,36 +16,17 @@ namespace lcdtest {
 
 /// The deliveries of one kind, as JSON. Lives longer than the session: a delivery itself would not, since what releases
 /// it is unloaded with the plug-in.
-class JsonInbox {
+class JsonInbox : public Kept<nlohmann::json> {
 public:
     panel::Delivery callback(const panel::Kind& kind) {
         return [this, &kind](const std::any& payload) { add(nlohmann::json::parse(kind.print(payload))); };
     }
-    void add(nlohmann::json value) {
-        monitor_.change([&] { all_.push_back(std::move(value)); });
-    }
-    bool waitFor(std::size_t count) const {
-        return monitor_.waitUntil([&] { return all_.size() >= count; });
-    }
-    bool waitUntilLast(const nlohmann::json& value) const {
-        return monitor_.waitUntil([&] { return !all_.empty() && all_.back() == value; });
-    }
-    std::size_t count() const {
-        return monitor_.read([&] { return all_.size(); });
-    }
-    nlohmann::json last() const {
-        return monitor_.read([&] { return all_.empty() ? nlohmann::json() : all_.back(); });
-    }
-
-private:
-    Monitor monitor_;
-    std::vector<nlohmann::json> all_;
 };
 
 /// Starts logged in, with the stream of reports open, and leaves nothing behind.
 class RealParts {
 public:
-    RealParts() : sim(session.deviceUrl()) {
+    explicit RealParts(const panel::SessionOptions& options = {}) : session(options), sim(session.deviceUrl()) {
         session.user().registerRequestCallBack(
             "test", LCD::MemoryCache::IUser::RequestCBType::TokenChanged, [this](const std::any& payload) {
                 tokens.add(*std::any_cast<const std::shared_ptr<std::string>&>(payload));
@@ -53,8 +35,7 @@ public:
 
     void start() {
         session.start();
-        login();
-        ASSERT_TRUE(eventually([this] { return session.status().receiver().connected; }));
+        session.login(kDeadline);
     }
     void login() {
         const std::size_t before = tokens.count();
@@ -70,10 +51,10 @@ public:
                           inbox.callback(kindOf(component, kind)));
     }
     /// What a request of its own is told.
-    nlohmann::json ask(const std::string& component, int kind = 1) {
+    nlohmann::json ask(const std::string& component, int kind = 1, const std::any& key = {}) {
         JsonInbox inbox;
         session.get(panel::componentNamed(component), kindOf(component, kind), "test",
-                    inbox.callback(kindOf(component, kind)));
+                    inbox.callback(kindOf(component, kind)), key);
         EXPECT_TRUE(inbox.waitFor(1)) << component << " " << kind;
         return inbox.last();
     }
@@ -82,9 +63,29 @@ public:
                     kindOf(component, kind).parse(value), results.callback());
     }
 
+    /// Every mirror is fetched once, so that reports have something to change.
+    void openAllPages() { EXPECT_TRUE(holds(panel::After::resync)) << "from the start"; }
+
+    /// What a lost connection leads to.
+    void resync() {
+        const std::uint64_t before = session.status().receiver().resyncs;
+        sim.addFault({{"kind", "cutStream"}});
+        ASSERT_TRUE(eventually([&] {
+            const auto now = session.status().receiver();
+            return now.connected && now.resyncs > before;
+        }));
+    }
+
+    /// Whether all mirrors become equal to the device in time, but for what may differ by design.
+    testing::AssertionResult holds(panel::After after, std::chrono::milliseconds timeout = kDeadline) {
+        const auto verdicts = panel::verify(session, sim, timeout, after);
+        return panel::allHold(verdicts) ? testing::AssertionSuccess()
+                                        : testing::AssertionFailure() << panel::textOf(verdicts);
+    }
+
     ProcessGuard guard;
     JsonInbox tokens;
-    panel::Session session{{}};
+    panel::Session session;
     panel::SimControl sim;
 };
 

@@ -1,7 +1,8 @@
 // A plug-in with one component, which writes down its life.
-#include "tests/support/testplugin.h"
-
 #include <fmt/format.h>
+
+#include <string>
+#include <vector>
 
 #include "platform/ktp/pluginentry.h"
 
@@ -20,12 +21,12 @@ public:
 private:
     void write(const std::string& what) {
         if (journal_ != nullptr) {
-            journal_->write("plugin " + what);
+            journal_->push_back("plugin " + what);
         }
     }
 
     // Lives longer than this, when the test has put it first.
-    lcdtest::IJournal* const journal_ = ktp::api::get().find<lcdtest::IJournal>("testJournal");
+    std::vector<std::string>* const journal_ = ktp::api::get().find<std::vector<std::string>>("testJournal");
 };
 
 ktp::ComponentInfo witness = ktp::describe<Witness>("test.plugin.witness");

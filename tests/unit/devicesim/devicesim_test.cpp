@@ -4,28 +4,21 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <httplib.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <latch>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "devicesim/actions.h"
-#include "devicesim/core.h"
-#include "devicesim/families/families.h"
 #include "tests/support/devicesimclient.h"
 #include "tests/support/processguard.h"
+#include "tests/support/program.h"
 
 namespace {
 
@@ -36,15 +29,16 @@ using lcdtest::Event;
 using lcdtest::eventually;
 using lcdtest::kLogin;
 using lcdtest::kStream;
+using lcdtest::Program;
 using lcdtest::ReportReader;
 using nlohmann::json;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
 constexpr const char* kSwap = "/zelto/v1/screen/global/swap";
 constexpr const char* kEffect = "/zelto/v1/screen/global/switch-effect";
+constexpr const char* kActive = "/zelto/v1/screen/global/active-effect";
 
 TEST(DeviceSim, OnlyValidTokensOpenThePaths) {
     Device device({.tokenLifetime = 1h, .tokens = 2});
@@ -73,94 +67,53 @@ TEST(DeviceSim, OnlyValidTokensOpenThePaths) {
     EXPECT_TRUE(eventually([&] { return client.statusOf(kSwap) == 401; }));
 }
 
-TEST(DeviceSim, AChangeIsKeptAndReportedWithItsSource) {
+TEST(DeviceSim, AChangeIsReportedToEveryReaderWithItsSource) {
     Device device;
     DeviceClient client(device);
-    ReportReader reader(device, client.token);
-    ReportReader other(device, DeviceClient(device).token);
-    json parameters = client.get(kEffect)["switchEffect"];
-    for (const char* effect : {"fadeInOut", "dip", "wipe", "dve"}) {
-        parameters[effect].erase("time");
-        parameters[effect].erase("type");
+    ReportReader first(device, client.token);
+    ReportReader second(device, DeviceClient(device).token);
+    client.send("PUT", kSwap, R"({"enable":0,"unknown":1})", 41);
+    client.send("POST", "/zelto/v1/screen/global/audio-follow", R"({"type":2,"enable":1})", 42);
+    client.send("POST", kActive, R"({"type":3})", 43);
+    const std::pair<const char*, const char*> reported[] = {
+        {"71201", R"({"enable":0})"}, {"7115e", R"({"enable":1,"type":2})"}, {"71209", R"({"type":3})"}};
+    for (ReportReader* reader : {&first, &second}) {
+        const auto events = reader->events(3);
+        ASSERT_EQ(events.size(), 3U);
+        for (int i = 0; i < 3; ++i) {
+            const Event& event = events[static_cast<std::size_t>(i)];
+            EXPECT_EQ(std::pair(event.id, event.body), (std::pair<std::string, std::string>(reported[i])));
+            EXPECT_EQ(event.token, client.token);
+            EXPECT_EQ(event.sequence, 41 + i);
+            EXPECT_EQ(event.number, 1 + i);
+            EXPECT_EQ(event.epoch, events[0].epoch);
+        }
     }
-    const auto effectReport = [&](const json& patch) { return parameters.merge_patch(patch), parameters.dump(); };
-    const struct {
-        const char *verb, *path, *body, *report;
-        std::string reported;
-        const char* from;
-        json shown;  // a patch that must change nothing
-    } kCases[] = {
-        {"PUT", kSwap, R"({"enable":0,"unknown":1})", "71201", R"({"enable":0})", kSwap, {{"enable", 0}}},
-        {"POST",
-         "/zelto/v1/screen/global/transition-preview",
-         R"({"enable":1})",
-         "71207",
-         R"({"enable":1})",
-         "/zelto/v1/screen/global/transition-preview",
-         {{"enable", 1}}},
-        {"POST",
-         "/zelto/v1/screen/global/audio-follow",
-         R"({"type":2,"enable":1})",
-         "7115e",
-         R"({"enable":1,"type":2})",
-         "/zelto/v1/system/detail",
-         {{"freezeAudioFollow", 1}, {"ftbAudioFollow", 1}}},
-        // Of an effect that isn't active: its own time changes, the active one's stays.
-        {"PUT",
-         kEffect,
-         R"({"switchEffect":{"time":950,"type":3,"wipe":{"posX":7},"dip":{"source":4}}})",
-         "71205",
-         effectReport({{"time", 950}, {"type", 3}, {"wipe", {{"posX", 7}}}, {"dip", {{"source", 4}}}}),
-         kEffect,
-         {{"switchEffect",
-           {{"time", 500},
-            {"type", 1},
-            {"wipe", {{"posX", 7}, {"posY", 50}, {"time", 950}}},
-            {"dip", {{"source", 4}, {"time", 1000}}}}}}},
-        {"POST",
-         "/zelto/v1/screen/global/active-effect",
-         R"({"type":3})",
-         "71209",
-         R"({"type":3})",
-         kEffect,
-         {{"switchEffect", {{"type", 3}, {"time", 950}}}}},
-        {"PUT",
-         kEffect,
-         R"({"switchEffect":{"time":300,"type":3}})",
-         "71205",
-         effectReport({{"time", 300}, {"type", 3}}),
-         kEffect,
-         {{"switchEffect", {{"type", 3}, {"time", 300}, {"wipe", {{"time", 300}}}}}}},
-        // No effect of that type: parameters alone.
-        {"PUT",
-         kEffect,
-         R"({"switchEffect":{"time":1,"type":4,"dve":{"softness":3}}})",
-         "71205",
-         effectReport({{"time", 1}, {"type", 4}, {"dve", {{"softness", 3}}}}),
-         kEffect,
-         {{"switchEffect", {{"type", 3}, {"time", 300}, {"dve", {{"softness", 3}, {"time", 600}}}}}}},
-    };
-    std::size_t count = 0;
-    for (const auto& each : kCases) {
-        SCOPED_TRACE(fmt::format("{} {}", each.path, each.body));
-        ++count;
-        EXPECT_EQ(client.send(each.verb, each.path, each.body, static_cast<int>(40 + count))["code"], 0);
-        json shown = client.get(each.from);
-        const json patched = (shown.merge_patch(each.shown), shown);
-        EXPECT_EQ(client.get(each.from), patched);
+    EXPECT_EQ(client.get("/sim/counters")["reportsSent"], 3);
+}
 
-        const auto events = reader.events(count);
-        ASSERT_EQ(events.size(), count);
-        const Event& event = events.back();
-        EXPECT_EQ(event.id, each.report);
-        EXPECT_EQ(event.body, each.reported);
-        EXPECT_EQ(event.token, client.token);
-        EXPECT_EQ(event.sequence, 40 + static_cast<int>(count));
-        EXPECT_EQ(event.number, static_cast<int>(count));
-        EXPECT_EQ(event.epoch, events.front().epoch);
+TEST(DeviceSim, EachEffectHasATimeOfItsOwn) {
+    Device device;
+    DeviceClient client(device);
+    const struct {
+        const char *verb, *path, *body, *shown;
+    } kCases[] = {
+        // Of an effect that isn't active: its own time changes, the active one's stays.
+        {"PUT", kEffect, R"({"switchEffect":{"time":950,"type":3,"wipe":{"posX":7},"dip":{"source":4}}})",
+         R"({"time":500,"type":1,"wipe":{"posX":7,"posY":50,"time":950},"dip":{"source":4,"time":1000}})"},
+        {"POST", kActive, R"({"type":3})", R"({"type":3,"time":950})"},
+        {"PUT", kEffect, R"({"switchEffect":{"time":300,"type":3}})", R"({"time":300,"type":3,"wipe":{"time":300}})"},
+        // No effect of that type: parameters alone.
+        {"PUT", kEffect, R"({"switchEffect":{"time":1,"type":4,"dve":{"softness":3}}})",
+         R"({"time":300,"type":3,"dve":{"softness":3,"time":600}})"},
+    };
+    for (const auto& each : kCases) {
+        EXPECT_EQ(client.send(each.verb, each.path, each.body)["code"], 0) << each.body;
+        const json shown = client.get(kEffect)["switchEffect"];
+        json patched = shown;
+        patched.merge_patch(json::parse(each.shown));
+        EXPECT_EQ(shown, patched) << each.body;
     }
-    EXPECT_EQ(other.events(count).size(), count) << "each reader gets all";
-    EXPECT_EQ(client.get("/sim/counters")["reportsSent"], count);
 }
 
 TEST(DeviceSim, BadRequestsChangeNothing) {
@@ -181,7 +134,7 @@ TEST(DeviceSim, BadRequestsChangeNothing) {
         {"PUT", kSwap, std::string(5000, ' ') + R"({"enable":0})", 413},
         {"PUT", kEffect, R"({"switchEffect":{"time":1}})", 200},
         {"PUT", kEffect, R"({"switchEffect":{"time":1,"type":1,"dip":{"source":5},"wipe":{"posX":[]}}})", 200},
-        {"POST", "/zelto/v1/screen/global/active-effect", R"({"type":4})", 200},
+        {"POST", kActive, R"({"type":4})", 200},
         {"POST", "/zelto/v1/screen/global/audio-follow", R"({"type":3,"enable":1})", 200},
         {"POST", kSwap, R"({"enable":0})", 405},
         {"PUT", "/zelto/v1/none", R"({"enable":0})", 404},
@@ -209,57 +162,44 @@ TEST(DeviceSim, TheDeviceReportsItsOwnChanges) {
     Device device;
     DeviceClient client(device);
     ReportReader reader(device, client.token);
-    const auto change = [&](const std::string& pointer, const json& value) {
-        return client.send("POST", "/sim/change",
-                           json{{"pointer", pointer}, {"value", value}}.dump())["data"]["reports"];
+    const struct {
+        const char* pointer;
+        json value;
+        const char *report, *body;
+    } kCases[] = {
+        {"/custom/softwareName", "A", "e0100", R"("softwareName":"A")"},
+        {"/system/detail/ftbAudioFollow", 0, "7115e", R"({"enable":0,"type":1})"},
+        {"/screen/global/switch-effect/switchEffect/dip/time", 40, "71205", R"("time":40,"type":2)"},
+        {"/screen/global/switch-effect/switchEffect/type", 2, "71209", R"({"type":2})"},
+        {"/system", {{"detail", {{"ftbAudioFollow", 1}, {"freezeAudioFollow", 0}}}}, "7115e", R"("type":2)"},
     };
-    EXPECT_THAT(change("/custom/softwareName", "A"), ElementsAre("e0100"));
-    EXPECT_THAT(change("/system/detail/ftbAudioFollow", 0), ElementsAre("7115e"));
-    EXPECT_THAT(change("/screen/global/swap", {{"enable", 0}}), ElementsAre("71201"));
-    EXPECT_THAT(change("/screen/global/switch-effect/switchEffect/dip/time", 40), ElementsAre("71205"));
-    EXPECT_THAT(change("/screen/global/switch-effect/switchEffect/type", 2), ElementsAre("71209"));
-    EXPECT_THAT(change("/system", {{"detail", {{"ftbAudioFollow", 1}, {"freezeAudioFollow", 0}}}}),
-                ElementsAre("7115e"));
-    client.send("POST", "/sim/report", R"({"id":"ABC","body":"two\r\nlines\n","token":"t","sequence":9})");
-
-    const auto events = reader.events(8);
-    ASSERT_EQ(events.size(), 8U);
-    EXPECT_EQ(json::parse(events[0].body), client.get("/zelto/v1/custom"));
-    const char* const kBodies[] = {R"({"enable":0,"type":1})",
-                                   R"({"enable":0})",
-                                   R"("time":40,"type":2)",
-                                   R"({"type":2})",
-                                   R"("type":2)",
-                                   R"("type":1)"};
-    for (std::size_t i = 0; i < std::size(kBodies); ++i) {
-        EXPECT_THAT(events[i + 1].body, HasSubstr(kBodies[i]));
-        EXPECT_EQ(events[i + 1].token, "device");
+    std::size_t count = 0;
+    for (const auto& [pointer, value, report, body] : kCases) {
+        client.send("POST", "/sim/change", json{{"pointer", pointer}, {"value", value}}.dump());
+        const auto events = reader.events(++count);
+        ASSERT_GE(events.size(), count) << pointer;
+        EXPECT_EQ(events[count - 1].id, report);
+        EXPECT_THAT(events[count - 1].body, HasSubstr(body));
+        EXPECT_EQ(events[count - 1].token, "device");
     }
-    EXPECT_EQ(events[7].id, "abc");
-    EXPECT_EQ(events[7].body, "two\nlines\n");
-    EXPECT_EQ(events[7].token, "t");
-    EXPECT_EQ(events[7].sequence, 9);
+    client.send("POST", "/sim/report", R"({"id":"ABC","body":"two\r\nlines\n"})");
+    const auto events = reader.events(count + 2);  // the last change had two reports
+    ASSERT_EQ(events.size(), count + 2);
+    EXPECT_EQ(events.back().id, "abc");
+    EXPECT_EQ(events.back().body, "two\nlines\n");
 }
 
 TEST(DeviceSim, ARestartClosesStreamsAndForgetsTokens) {
     Device device;
     DeviceClient client(device);
     client.send("PUT", kSwap, R"({"enable":0})");
-    std::string lastEpoch;
     for (const auto& [body, enabled] : {std::pair("", 0), std::pair(R"({"state":"initial"})", 1)}) {
         ReportReader reader(device, client.token);
         client.send("POST", "/sim/restart", body);
         EXPECT_TRUE(reader.ended());
         EXPECT_EQ(client.statusOf(kSwap), 401);
-
         client.token = DeviceClient(device).token;
         EXPECT_EQ(client.get(kSwap)["enable"], enabled);
-        ReportReader again(device, client.token);
-        client.send("POST", "/sim/report", R"({"id":"1","body":""})");
-        const auto events = again.events(1);
-        ASSERT_EQ(events.size(), 1U);
-        EXPECT_NE(std::exchange(lastEpoch, events[0].epoch), events[0].epoch);
-        EXPECT_EQ(events[0].number, 1);
     }
 }
 
@@ -269,26 +209,18 @@ TEST(DeviceSim, ReportsComeInTheOrderOfTheChanges) {
     ReportReader reader(device, observer.token);
     constexpr int kThreads = 8;
     constexpr int kChanges = 50;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back([&device, t] {
-            DeviceClient client(device);
-            for (int i = 0; i < kChanges; ++i) {
-                client.send("PUT", kSwap, fmt::format(R"({{"enable":{}}})", t * kChanges + i), t);
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    lcdtest::inThreads(kThreads, [&device](unsigned thread) {
+        DeviceClient client(device);
+        for (int i = 0; i < kChanges; ++i) {
+            client.send("PUT", kSwap, json{{"enable", i}}.dump(), static_cast<int>(thread));
+        }
+    });
     const auto events = reader.events(kThreads * kChanges);
     ASSERT_EQ(events.size(), std::size_t{kThreads * kChanges});
-    std::vector<int> last(kThreads, -1);
+    int nexts[kThreads] = {};
     for (std::size_t i = 0; i < events.size(); ++i) {
-        const int value = json::parse(events[i].body)["enable"];
         EXPECT_EQ(events[i].number, static_cast<int>(i) + 1);
-        EXPECT_EQ(events[i].sequence, value / kChanges);
-        EXPECT_GT(value, std::exchange(last[static_cast<std::size_t>(events[i].sequence)], value));
+        EXPECT_EQ(json::parse(events[i].body)["enable"], nexts[events[i].sequence]++);
     }
     EXPECT_EQ(json::parse(events.back().body), observer.get(kSwap));
 }
@@ -335,57 +267,28 @@ TEST(DeviceSim, AStartThatFailsSaysWhy) {
     const lcdtest::TempFolder temp;
     const fs::path folder = temp / "data";
     fs::copy(devicesim::defaultDataFolder(), folder);
-    const auto failure = [](const Options& options) -> std::string {
-        try {
-            Device device(options);
-            return "started";
-        } catch (const std::runtime_error& error) {
-            return error.what();
-        }
+    const auto expectFailure = [](const Options& options, const auto&... named) {
+        EXPECT_THAT([&] { Device device(options); },
+                    testing::ThrowsMessage<std::runtime_error>(testing::AllOf(HasSubstr(named)...)));
     };
-    const auto withScreen = [&](const char* text) {
+    const auto withScreen = [&](const std::string& text, const auto&... named) {
         std::ofstream(folder / "screen.json") << text;
-        return failure({.dataFolder = folder});
+        expectFailure({.dataFolder = folder}, named...);
     };
+    json other = json::parse(std::ifstream(folder / "screen.json"));
+    other["global"]["switch-effect"] = {{"switchEffect", {{"type", 1}}}};
     Device device;
-    EXPECT_THAT(failure({.port = device.port()}),
-                HasSubstr(fmt::format("port {}: Address already in use", device.port())));
-    EXPECT_THAT(failure({.bind = "no such host"}), HasSubstr("no such host"));
-    EXPECT_THAT(failure({.port = 70000}), HasSubstr("port"));
-    EXPECT_THAT(failure({.dataFolder = "/nonexistent"}), HasSubstr("/nonexistent"));
-    EXPECT_THAT(withScreen("{\n\"global\": }"), AllOf(HasSubstr("screen.json"), HasSubstr("line 2")));
-    EXPECT_THAT(
-        withScreen(R"({"global":{"swap":{},"switch-effect":{"switchEffect":{"type":1}},"transition-preview":{}}})"),
-        AllOf(HasSubstr("/screen/global/switch-effect"), HasSubstr("71205")));
-    EXPECT_THAT(withScreen("{}"), AllOf(HasSubstr("/screen/global/swap"), HasSubstr(kSwap)));
+    expectFailure({.port = device.port()}, "Address already in use");
+    expectFailure({.bind = "no such host"}, "no such host");
+    expectFailure({.dataFolder = "/nonexistent"}, "/nonexistent");
+    withScreen("{\n\"global\": }", "screen.json", "line 2");
+    withScreen(other.dump(), "/screen/global/switch-effect", "71205");
+    withScreen("{}", "/screen/global/swap", kSwap);
 }
-
-// The program beside this test, by a shell that tells its process id first.
-class Program {
-public:
-    explicit Program(const std::string& options) {
-        const fs::path program = fs::read_symlink("/proc/self/exe").parent_path() / "lcddevicesim";
-        pipe_ = ::popen(fmt::format("echo $$; exec {} {} 2>&1", program.string(), options).c_str(), "r");
-        id_ = std::stoi(line());
-    }
-    std::string line() {
-        std::array<char, 1024> text{};
-        return std::fgets(text.data(), text.size(), pipe_) != nullptr ? text.data() : "";
-    }
-    void signal(int number) const { ::kill(id_, number); }
-    int exitStatus() {
-        const int status = ::pclose(pipe_);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    FILE* pipe_ = nullptr;
-    int id_ = 0;
-};
 
 TEST(DeviceSimProgram, RunsUntilASignalAndRefusesBadInputInOneLine) {
     for (const int signal : {SIGTERM, SIGINT}) {
-        Program program("--port 0 --heartbeat-ms 50");
+        Program program("lcddevicesim", "--port 0 --heartbeat-ms 50");
         const std::string url = program.line();
         ASSERT_THAT(url, testing::StartsWith("http://127.0.0.1:"));
         EXPECT_TRUE(httplib::Client(url.substr(0, url.size() - 1)).Get("/sim/state"));
@@ -394,60 +297,11 @@ TEST(DeviceSimProgram, RunsUntilASignalAndRefusesBadInputInOneLine) {
     }
     for (const auto& [options, named] : {std::pair("--port 65536", "--port"), std::pair("--bogus", "--bogus"),
                                          std::pair("--data /nonexistent", "/nonexistent")}) {
-        Program program(options);
+        Program program("lcddevicesim", options);
         EXPECT_THAT(program.line(), AllOf(testing::StartsWith("lcddevicesim: "), HasSubstr(named)));
         EXPECT_EQ(program.line(), "");
         EXPECT_EQ(program.exitStatus(), 2);
     }
-}
-
-// What rows for lists can do, seen on a table of a few.
-TEST(DeviceSimRows, ListsArePagedMergedAndShortened) {
-    using namespace devicesim;
-    Core core(Options{},
-              {{"GET", "/sim/layers", showPage, "/layers/list", "layerId"},
-               {"PUT", "/sim/window", mergeEach, "/layers/list/*/window", "layerId", 0x8110b},
-               {"PUT", "/sim/general", mergeEach, "/layers/list/*", "layerId", 0x81109},
-               {"DELETE", "/sim/layers", removeEach, "/layers/list", "layerId", 0x81103, nullptr},
-               {"POST", "/sim/change", controlRows()[2].action},
-               {"GET", "/sim/stream", sessionRows()[1].action}},
-              json::parse(R"({"layers":{"list":[{"layerId":4,"name":"a","window":{"x":1,"y":1}},
-                                          {"layerId":7,"name":"b","window":{"x":2,"y":2}},
-                                          {"layerId":9,"name":"c","window":{"x":3,"y":3}}]}})"));
-    const auto call = [&](const char* verb, const char* path, const char* body,
-                          std::multimap<std::string, std::string> query = {}) {
-        return core.handle({.verb = verb, .path = path, .query = std::move(query), .body = body, .local = true});
-    };
-    const auto page = [&](std::multimap<std::string, std::string> query) {
-        const json data = json::parse(call("GET", "/sim/layers", "", std::move(query)).body)["data"];
-        std::string ids;
-        for (const json& layer : data["list"]) {
-            ids += layer["layerId"].dump();
-        }
-        return fmt::format("{} of {}, {} of {}: {}", data["page"].dump(), data["totalPage"].dump(),
-                           data["count"].dump(), data["totalCount"].dump(), ids);
-    };
-    EXPECT_EQ(page({}), "1 of 1, 3 of 3: 479");
-    EXPECT_EQ(page({{"page", "2"}, {"limit", "2"}}), "2 of 2, 1 of 3: 9");
-    EXPECT_EQ(page({{"page", "3"}, {"limit", "2"}}), "3 of 2, 0 of 3: ");
-    EXPECT_EQ(page({{"layerId", "7"}}), "1 of 1, 1 of 1: 7");
-
-    const auto stream = call("GET", "/sim/stream", "").stream;
-    const auto reported = [&] { return stream->next(0ms).value_or("closed"); };
-    reported();
-    call("PUT", "/sim/window", R"([{"layerId":9,"window":{"x":30}},{"layerId":4,"window":{"y":10}}])");
-    EXPECT_THAT(reported(), HasSubstr("\ndata: [{\"layerId\":9,\"window\":{\"x\":30,\"y\":3}},"
-                                      "{\"layerId\":4,\"window\":{\"x\":1,\"y\":10}}]\n"));
-    for (const char* bad : {R"([{"layerId":4,"window":{"x":0}},{"layerId":5,"window":{"x":0}}])",
-                            R"([{"layerId":4,"window":{"x":0}},{"layerId":7}])", R"({"layerId":4,"window":{"x":0}})"}) {
-        EXPECT_NE(json::parse(call("PUT", "/sim/window", bad).body)["code"], 0) << bad;
-    }
-    EXPECT_EQ(reported(), ":\n") << "no report, nothing changed";
-    call("POST", "/sim/change", R"({"pointer":"/layers/list/1/name","value":"B"})");
-    EXPECT_THAT(reported(), AllOf(HasSubstr("event: 81109\n"), HasSubstr("\"name\":\"B\""), Not(HasSubstr("\"a\""))));
-    call("DELETE", "/sim/layers", R"([{"layerId":4},{"layerId":9}])");
-    EXPECT_THAT(reported(), HasSubstr("\ndata: [{\"layerId\":4},{\"layerId\":9}]\n"));
-    EXPECT_EQ(page({}), "1 of 1, 1 of 1: 7");
 }
 
 }  // namespace

@@ -99,8 +99,10 @@ TEST(JsonReader, recordsAndTheirTolerance) {
     EXPECT_EQ(outcome<Pair>(R"({"a":1/* )"), at(9, "invalid json document!"));
     EXPECT_EQ(outcome<Pair>(R"({"inner":[]})"), at(10, "read object must start with {!"));
     EXPECT_EQ(outcome<Pair>(R"({"inner":{"x":1})"), at(16, "invalid json document!"));
+    EXPECT_EQ(outcome<Pair>(R"({"a":)"), at(5, "not a valid signed integral like number."));
     EXPECT_EQ(outcome<Pair>(R"({"a":tru)"), at(8, "not a valid string!"));
     EXPECT_EQ(outcome<Pair>(""), at(0, "read object must start with {!"));
+    EXPECT_EQ(outcome<Pair>(R"( "a":1})"), at(4, "read object must start with {!"));
     EXPECT_EQ(outcome<Pair>(R"({"a":1} "open)"), at(13, "not a valid quote string!"));
     EXPECT_EQ(outcome<Pair>("{\r\n\"a\":1,\n  5:2}"), "error at line :2 col :4 msg:object key must be string");
     EXPECT_EQ(outcome<std::vector<Inner>>(""), at(0, "array must start with [."));
@@ -128,54 +130,23 @@ std::string member(const std::string& value) {
     return outcome<Holder>("{\"m\":" + value + "}");
 }
 
-template <class T>
-void expectMembers(std::initializer_list<Example> examples) {
-    for (const Example& each : examples) {
-        EXPECT_EQ(member<T>(each.text), std::string("{\"m\":") + each.outcome + "}") << "of " << each.text;
-    }
-}
-
 TEST(JsonReader, integersFromWhateverComes) {
-    expectMembers<int>({{"12", "12"},
-                        {"-12", "-12"},
-                        {"007", "7"},
-                        {"-", "0"},
-                        {"2147483648", "-2147483648"},
-                        {"4294967295", "-1"},
-                        {"-4294967297", "-1"},
-                        {"18446744073709551617", "1"},
-                        {"1.99", "1"},
-                        {"-1.99", "-1"},
-                        {"1.5e2", "150"},
-                        {"15E++1", "150"},
-                        {"15e-1", "1"},
-                        {"1e400", "0"},
-                        {"1e4294967297", "10"},
-                        {"\"12\"", "12"},
-                        {"\" -12x\"", "-12"},
-                        {"true", "1"},
-                        {"\"TrUe\"", "1"},
-                        {"truer", "0"},
-                        {"false", "0"},
-                        {"null", "0"},
-                        {"\"\"", "0"}});
+    EXPECT_EQ(outcome<std::list<int>>(
+                  R"([12,-12,007,-,2147483648,4294967295,-4294967297,18446744073709551617,1.99,-1.99,1.5e2,15E++1])"),
+              "[12,-12,7,0,-2147483648,-1,-1,1,1,-1,150,150]");
+    EXPECT_EQ(outcome<std::list<int>>(
+                  R"([15e-1,1e400,1e4294967297,"12"," -12x",true,"TrUe",truer,false,null,"",-2147483648])"),
+              "[1,0,10,12,-12,1,1,0,0,0,0,-2147483648]");
     EXPECT_EQ(member<int>("[1]"), at(6, "not a valid signed integral like number."));
     EXPECT_EQ(member<int>("{\"a\":1}"), at(6, "not a valid signed integral like number."));
     EXPECT_EQ(member<int>("1.2.3"), at(8, "not a valid number!"));
 }
 
 TEST(JsonReader, floatsByTheirOwnArithmetic) {
-    expectMembers<float>({{"2", "2"},
-                          {"-3", "-3"},
-                          {"59.94", "59.939998626708984375"},
-                          {"0.1", "0.100000001490116119384765625"},
-                          {"-1.5e-1", "-0.1500000059604644775390625"},
-                          {"25e+1", "250"},
-                          {"\"0x10\"", "16"},
-                          {"\"-2.5e1z\"", "-25"},
-                          {"word", "0"},
-                          {"1e999999999", "inf"},
-                          {"1e-999999999", "0"}});
+    EXPECT_EQ(
+        outcome<std::list<float>>(R"([2,-3,59.94,0.1,-1.5e-1,25e+1,"0x10","-2.5e1z",word,1e999999999,1e-999999999])"),
+        "[2,-3,59.939998626708984375,0.100000001490116119384765625,-0.1500000059604644775390625,250,16,-25,0,"
+        "inf,0]");
     EXPECT_EQ(member<float>("{}"), at(6, "not a valid float point number."));
     // Digits are weighted one by one with fused multiply-adds, which is not always the nearest double.
     double sum = 0;
@@ -192,15 +163,7 @@ TEST(JsonReader, floatsByTheirOwnArithmetic) {
 }
 
 TEST(JsonReader, boolsFromWhateverComes) {
-    expectMembers<bool>({{"true", "1"},
-                         {"\"TRUE\"", "1"},
-                         {"false", "0"},
-                         {"yes", "0"},
-                         {"null", "0"},
-                         {"2", "1"},
-                         {"-0", "0"},
-                         {"0.5", "1"},
-                         {"0.0", "0"}});
+    EXPECT_EQ(outcome<std::list<bool>>(R"([true,"TRUE",false,yes,null,2,-0,0.5,0.0])"), "[1,1,0,0,0,1,0,1,0]");
     EXPECT_EQ(member<bool>("[]"), at(6, "not a valid bool."));
 }
 
@@ -353,19 +316,6 @@ TEST(JsonWriter, floatsAreWrittenInFull) {
             expect(value);
         }
     }
-}
-
-TEST(JsonStream, growsToWhatIsNeededInWholeSteps) {
-    ajson::ajson_string_stream stream;
-    EXPECT_EQ(stream.capacity(), 1024u);
-    const std::string text(1024, 'a');
-    stream.write(text.data(), text.size());
-    EXPECT_EQ(stream.capacity(), 1024u);
-    stream.put('b');
-    EXPECT_EQ(stream.capacity(), 2048u);
-    stream.write(std::string(5000, 'c').data(), 5000);
-    EXPECT_EQ(stream.capacity(), 6144u);
-    EXPECT_EQ(std::string(stream.data(), stream.size()), text + "b" + std::string(5000, 'c'));
 }
 
 TEST(JsonReflection, fieldListsAreSplitAtCommasAndWhiteSpace) {

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "platform/ktp/hostconfig.h"
 #include "platform/ktp/hosterror.h"
@@ -26,17 +27,6 @@ protected:
     }
 
     HostConfig read(const std::string& text) const { return HostConfig::fromFile(write("host.toml", text)); }
-
-    std::string errorOf(const std::string& text) const {
-        try {
-            read(text);
-            return "none";
-        } catch (const HostError& error) {
-            const std::string whole = error.what();
-            const std::string start = (folder_ / "host.toml").string() + ":";
-            return whole.rfind(start, 0) == 0 ? whole.substr(start.size()) : "without the file's name: " + whole;
-        }
-    }
 
     const lcdtest::TempFolder folder_;
 };
@@ -74,26 +64,13 @@ TEST(DeviceUrlTest, HasSchemeHostAndPerhapsAPort) {
          {"http://a", "https://a-b.c:1", "http://10.0.0.1:65535", "http://[::1]", "https://[fe80::1]:80"}) {
         EXPECT_TRUE(ktp::isDeviceUrl(url)) << url;
     }
-    for (const char* url : {"",
-                            "a",
-                            "ftp://a",
-                            "http://",
-                            "http://:80",
-                            "http://a:",
-                            "http://a:0",
-                            "http://a:65536",
-                            "http://a:8x",
-                            "http://a/",
-                            "http://a:80/",
-                            "http://me@a",
-                            "http://me:secret@a",
-                            "http://[::1",
-                            "http://[]",
-                            "http://[::1]8",
-                            "http://[g]",
-                            "http://a b",
-                            "http://a?b",
-                            "http://a\r\n"}) {
+    std::istringstream bad(
+        "a ftp://a http:// http://:80 http://a: http://a:0 http://a:65536 http://a:8x http://a/ http://a:80/ "
+        "http://me@a http://me:secret@a http://[::1 http://[] http://[::1]8 http://[g] http://a?b");
+    for (std::string url; bad >> url;) {
+        EXPECT_FALSE(ktp::isDeviceUrl(url)) << url;
+    }
+    for (const char* url : {"", "http://a b", "http://a\r\n"}) {
         EXPECT_FALSE(ktp::isDeviceUrl(url)) << url;
     }
 }
@@ -128,7 +105,9 @@ TEST_F(ConfigTest, EveryMistakeIsToldWithItsPlace) {
          "1: component.lookup: \"ktp_default_settings\" is"},
     };
     for (const auto& [text, error] : cases) {
-        EXPECT_THAT(errorOf(text), testing::StartsWith(error)) << text;
+        const std::string start = (folder_ / "host.toml").string() + ":" + error;
+        const auto reading = [&, &given = text] { read(given); };
+        EXPECT_THAT(reading, testing::ThrowsMessage<HostError>(testing::StartsWith(start))) << text;
     }
     EXPECT_THROW(HostConfig::fromFile(folder_ / "nowhere.toml"), HostError);
     EXPECT_THROW(HostConfig::fromFile(folder_ / "."), HostError);

@@ -2,31 +2,24 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <thread>
-#include <vector>
-
 #include "kt/log.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/processguard.h"
 
 namespace {
 
 TEST(LogTest, SinksComeAndGoWhileThreadsWrite) {
     KT_INFO("nobody listens");
     const lcdtest::LogCapture kept;
-    std::vector<std::thread> writers;
-    for (int writer = 0; writer < 4; ++writer) {
-        writers.emplace_back([] {
-            for (int line = 0; line < 200; ++line) {
+    lcdtest::inThreads(5, [](unsigned thread) {
+        for (int line = 0; line < 200; ++line) {
+            if (thread < 4) {
                 KT_WARN("value {0} of {1}", line, "it");
+            } else {
+                const lcdtest::LogCapture passing;
             }
-        });
-    }
-    for (int round = 0; round < 50; ++round) {
-        const lcdtest::LogCapture passing;
-    }
-    for (std::thread& writer : writers) {
-        writer.join();
-    }
+        }
+    });
     KT::SpdlogApplication::instance().logger()->debug("below the level");
 
     EXPECT_THAT(kept.lines(), testing::SizeIs(4 * 200));

@@ -4,12 +4,9 @@
 
 #include <functional>
 
-#include "lcdprotocolimpl/core/query.h"
 #include "lcdprotocolimpl/core/report.h"
 #include "lcdprotocolimpl/screen/switchsettingsrequests.h"
-#include "lcdprotocolimpl/system/aboutusrequests.h"
 #include "lcdprotocolimpl/system/authrequests.h"
-#include "lcdprotocolimpl/system/systemdetailrequests.h"
 #include "tests/support/fakes.h"
 #include "tests/support/logcapture.h"
 
@@ -46,52 +43,37 @@ Request request(IHttpChannel* channel) {
 bool plainGet(IHttpChannel* channel) { return request(channel).get(received); }
 bool plainPut(IHttpChannel* channel) { return request(channel).put(Item{1}); }
 
+/// What the channel was given: an empty query, header or body is told from none.
+std::string textOf(const FakeChannel::Call& call) {
+    std::string text = call.verb + " " + call.path + (call.hasQuery ? "?" : "");
+    for (const auto& [key, value] : call.query) {
+        text += key + "=" + value + "&";
+    }
+    return text + (call.hasHeaders ? " headers" : "") + (call.hasBody ? " " + call.body : "") + " #" +
+           std::to_string(call.tag);
+}
+
 TEST(Request, whatGoesOut) {
-    struct Case {
-        const char* name;
-        Function call;
-        FakeChannel::Call expected;
+    const std::pair<Function, const char*> cases[] = {
+        {plainGet, "GET /zelto/v1/thing? #0"},
+        {[](auto* c) { return request(c).withoutQuery().get(received); }, "GET /zelto/v1/thing #0"},
+        {[](auto* c) { return request(c).query("nodeId", "1").query("b", "x").get(received); },
+         "GET /zelto/v1/thing?nodeId=1&b=x& #0"},
+        {[](auto* c) { return request(c).header("h", "v").getWith(Item{1}); },
+         R"(GET /zelto/v1/thing? headers {"id":1} #0)"},
+        {plainPut, R"(PUT /zelto/v1/thing {"id":1} #0)"},
+        {[](auto* c) { return request(c).withEmptyQuery().put(Item{1}); }, R"(PUT /zelto/v1/thing? {"id":1} #0)"},
+        {[](auto* c) { return request(c).sequence(5).post(Item{1}); }, R"(POST /zelto/v1/thing {"id":1} #5)"},
+        {[](auto* c) { return request(c).remove(std::vector<Item>{{1}}); }, R"(DELETE /zelto/v1/thing [{"id":1}] #0)"},
+        {[](auto* c) { return request(c).put(Item{1}, received); }, R"(PUT /zelto/v1/thing {"id":1} #0)"},
     };
-    const std::vector<Item> items{Item{1}};
-    const std::string record = R"({"id":1})";
-    const std::string list = R"([{"id":1}])";
-    const Case cases[] = {
-        {"get", plainGet, {"GET", kPath, true, {}, false, false, "", 0}},
-        {"get without query",
-         [](auto* c) { return request(c).withoutQuery().get(received); },
-         {"GET", kPath, false, {}, false, false, "", 0}},
-        {"get with query",
-         [](auto* c) { return request(c).query("nodeId", "1").query("b", "x").get(received); },
-         {"GET", kPath, true, {{"nodeId", "1"}, {"b", "x"}}, false, false, "", 0}},
-        {"get with body and header",
-         [](auto* c) { return request(c).header("h", "v").getWith(Item{1}); },
-         {"GET", kPath, true, {}, true, true, record, 0}},
-        {"put", plainPut, {"PUT", kPath, false, {}, false, true, record, 0}},
-        {"put with empty query",
-         [](auto* c) { return request(c).withEmptyQuery().put(Item{1}); },
-         {"PUT", kPath, true, {}, false, true, record, 0}},
-        {"post with tag",
-         [](auto* c) { return request(c).sequence(5).post(Item{1}); },
-         {"POST", kPath, false, {}, false, true, record, 5}},
-        {"delete",
-         [&](auto* c) { return request(c).remove(items); },
-         {"DELETE", kPath, false, {}, false, true, list, 0}},
-        {"put that is answered",
-         [](auto* c) { return request(c).put(Item{1}, received); },
-         {"PUT", kPath, false, {}, false, true, record, 0}},
-    };
-    for (const Case& each : cases) {
+    for (const auto& [call, expected] : cases) {
         FakeChannel channel;
         channel.answer(kPath, R"({"code":0,"message":"","data":{"id":3}})");
         received = {};
-        EXPECT_TRUE(each.call(&channel)) << each.name;
+        EXPECT_TRUE(call(&channel)) << expected;
         ASSERT_EQ(channel.calls().size(), 1u);
-        const FakeChannel::Call call = channel.calls()[0];
-        EXPECT_EQ(std::tie(call.verb, call.path, call.hasQuery, call.query, call.hasHeaders, call.hasBody, call.body,
-                           call.tag),
-                  std::tie(each.expected.verb, each.expected.path, each.expected.hasQuery, each.expected.query,
-                           each.expected.hasHeaders, each.expected.hasBody, each.expected.body, each.expected.tag))
-            << each.name;
+        EXPECT_EQ(textOf(channel.calls()[0]), expected);
     }
     EXPECT_EQ(received.id, 3);
 }
@@ -203,22 +185,6 @@ TEST(Request, loginLogsEveryFailureAndGivesNoToken) {
     }
 }
 
-TEST(Request, functionsOfTheSystemNameThemselves) {
-    FakeChannel channel;
-    LogCapture log;
-    channel.answer("/zelto/v1/custom", "{");
-    s_AboutUs about;
-    EXPECT_FALSE(getAboutUs(&channel, about));
-    EXPECT_TRUE(log.contains("\n //aboutus.h:getAboutUs()#"));
-    channel.answer("/zelto/v1/screen/global/swap", FakeChannel::Answer{true, 503, ""});
-    EXPECT_FALSE(setScreenSwitchMode(&channel, std::make_shared<s_SwitchMode>()));
-    EXPECT_TRUE(log.contains("\n //switchsettings.h:setScreenSwitchMode()#"));
-    s_SystemDetail detail;
-    channel.answer("/zelto/v1/system/detail", R"({"code":0,"data":{"ftbAudioFollow":1,"freezeAudioFollow":0}})");
-    EXPECT_TRUE(getSystemDetail(&channel, detail));
-    EXPECT_FALSE(channel.calls().back().hasQuery) << "this one hands the channel no query";
-}
-
 TEST(Report, aBodyThatCantBeReadIsLoggedWhole) {
     LogCapture log;
     s_SwitchMode out;
@@ -228,12 +194,6 @@ TEST(Report, aBodyThatCantBeReadIsLoggedWhole) {
     EXPECT_TRUE(
         log.contains("warning: decode screen switch mode has failed. Error Code={] \nerror at line :0 col :2 "
                      "msg:object key must be string \n //switchsettings.h:decodeScreenSwitchMode()#"));
-}
-
-TEST(Query, isRenderedForLogLinesAlone) {
-    EXPECT_EQ(LCD::Comm::QueryStringTypeToString({}), "");
-    EXPECT_EQ(LCD::Comm::QueryStringTypeToString({{"a", "1"}}), "?a=1");
-    EXPECT_EQ(LCD::Comm::QueryStringTypeToString({{"a", "x y"}, {"b", "&"}}), "?a=x y&b=&");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "lcdmemorycacheimpl/engine/echo.h"
+#include "tests/support/fakes.h"
 #include "tests/support/processguard.h"
 
 namespace {
@@ -34,22 +35,9 @@ TEST(Sequence, aMinuteWithoutADrawStartsTheNumbersAgain) {
     EXPECT_EQ(sequence.getRequestName(1), "a");
 }
 
-/// Says what the session's token is.
-class TokenUser final : public LCD::MemoryCache::IUser {
-public:
-    explicit TokenUser(std::string token) : token_(std::move(token)) {}
-    void registerRequestCallBack(const std::string&, RequestCBType, const std::function<void(std::any)>&) override {}
-    void asyncLogin() override {}
-    std::string token() override { return token_; }
-    void clearToken() override {}
-
-private:
-    std::string token_;
-};
-
 TEST(Echo, ofAnOwnChangeIsForItsRequester) {
     Sequence sequence;
-    TokenUser user("mine");
+    lcdtest::FakeUser user("mine");
     constexpr std::uint32_t kReport = 0x8112f;
     sequence.intert(1, "other");
     ASSERT_EQ(drawSequence(sequence, kReport, "page"), 2);
@@ -62,7 +50,7 @@ TEST(Echo, ofAnOwnChangeIsForItsRequester) {
     EXPECT_EQ(requester("mine", 3), "");
     EXPECT_EQ(requester("mine2", 1), "");
     EXPECT_EQ(requester("", 1), "");
-    TokenUser loggedOut("");
+    lcdtest::FakeUser loggedOut("");
     EXPECT_EQ(echoRequester(sequence, loggedOut, kReport, {"", 0}), "page");
     EXPECT_EQ(echoRequester(sequence, loggedOut, kReport, {"mine", 0}), "");
 }
