@@ -1,7 +1,7 @@
 // The platform as a unit test needs it: everything in one process, everything scripted.
 #pragma once
 
-#include <deque>
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -93,6 +93,14 @@ public:
     }
     std::vector<Call> calls() const {
         return monitor_.read([&] { return calls_; });
+    }
+    /// The last one that wasn't a fetch: those come from their own thread at any time.
+    Call lastChange() const {
+        return monitor_.read([&] {
+            const auto last =
+                std::find_if(calls_.rbegin(), calls_.rend(), [](const Call& call) { return call.verb != "GET"; });
+            return last == calls_.rend() ? Call{} : *last;
+        });
     }
     std::string token() const {
         return monitor_.read([&] { return token_; });

@@ -76,7 +76,7 @@ TEST_F(AssessTest, eachKindHasItsQuestionItsPathAndItsVerdict) {
     for (const auto& each : kinds) {
         ask(each.kind, each.question);
         ASSERT_TRUE(inbox.waitFor(++index)) << each.call;
-        const auto call = channel.calls().back();
+        const auto call = channel.lastChange();
         EXPECT_EQ(call.verb + " " + call.path.substr(call.path.rfind('/') + 1), each.call);
     }
     EXPECT_EQ(inbox.at<s_PresetPlayAssessResult>(11).state, -1);

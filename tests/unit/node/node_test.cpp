@@ -171,7 +171,7 @@ TEST_F(NodeTest, changesGoOutInTheirOwnWays) {
     channel.answer(kBackup, R"({"code":0,"data":{"failList":[]}})");
     EXPECT_TRUE(set(CB::CreateBackup, backup));
     EXPECT_EQ(channel.timeoutMs(), 60000);
-    EXPECT_EQ(channel.calls().back().body, R"([{"masterSN":"M","slaveSN":["A"]}])");
+    EXPECT_EQ(channel.lastChange().body, R"([{"masterSN":"M","slaveSN":["A"]}])");
     channel.answer(kBackup, R"({"code":0,"data":{"failList":["A"]}})");
     EXPECT_FALSE(set(CB::CreateBackup, backup));
     EXPECT_EQ(node->getSendDataCode(), 0);
@@ -183,7 +183,7 @@ TEST_F(NodeTest, changesGoOutInTheirOwnWays) {
     EXPECT_EQ(node->getSendDataCode(), 17);
     channel.answer(kBackup, R"({"code":0})");
     EXPECT_TRUE(set(CB::DeleteBackup, backup));
-    EXPECT_EQ(channel.calls().back().verb, "DELETE");
+    EXPECT_EQ(channel.lastChange().verb, "DELETE");
     EXPECT_TRUE(set(CB::NodeModeChanged, std::make_shared<s_NodeMode>()));
     EXPECT_TRUE(set(CB::MonitorModeChanged, std::make_shared<s_MonitorMode>()));
     EXPECT_TRUE(set(CB::NodeAuxFollowPresetChanged, std::make_shared<s_NodeAuxFollowPresetRequest>()));

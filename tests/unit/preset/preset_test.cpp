@@ -88,7 +88,7 @@ TEST_F(PresetTest, aLoadsReportGoesToWhomItConcerns) {
         (*presets)->asyncSetSubData(requester, CB::PresetApplyChanged,
                                     std::make_shared<s_PresetApply>(s_PresetApply{5, 2}), results.callback());
         EXPECT_TRUE(results.waitFor(before + 1));
-        const int tag = platform.channel.calls().back().tag;
+        const int tag = platform.channel.lastChange().tag;
         push(0xa2203, R"({"presetId":5,"sceneType":2})", {"mine", tag});
         return tag;
     };

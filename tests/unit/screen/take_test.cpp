@@ -102,13 +102,13 @@ TEST_F(TakeTest, changesNameTheirTypesAndTheirFailures) {
     Running<ScreenDetailTake> detail;
     take->asyncSetSubData("page", Take::ScreenTakeSet, std::make_shared<s_Take>(s_Take{1, 2, {}}), results.callback());
     ASSERT_TRUE(results.waitFor(1));
-    EXPECT_EQ(platform.channel.calls().back().body,
+    EXPECT_EQ(platform.channel.lastChange().body,
               R"({"direction":1,"effectSelect":2,"switchEffect":{"time":500,"type":1}})");
     auto bar = std::make_shared<std::vector<s_ScreenDetailTbar>>(1);
     (*bar)[0].screenId = 3;
     detail->asyncSetSubData("page", Detail::ScreenDetailTbarSet, bar, results.callback());
     ASSERT_TRUE(results.waitFor(2));
-    EXPECT_EQ(platform.channel.calls().back().body, R"([{"screenId":3,"percent":-1}])");
+    EXPECT_EQ(platform.channel.lastChange().body, R"([{"screenId":3,"percent":-1}])");
     platform.channel.answer("/zelto/v1/screen/selected/cut", FakeChannel::Answer{false, 0, ""});
     take->asyncSetSubData("page", Take::ScreenCutSet, std::make_shared<s_Direction>(), results.callback());
     ASSERT_TRUE(results.waitFor(3));
