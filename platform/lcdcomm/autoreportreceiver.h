@@ -1,21 +1,15 @@
-// Hands the device's reports to the decoders that are bound to them.
+// The receiver of the device's reports.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <thread>
-#include <unordered_map>
-#include <vector>
 
 #include "ktp/imessage.h"
-#include "ktp/imessagecenter.h"
 #include "lcd/commchannel/autoreport.h"
-#include "platform/lcdcomm/atmostevery.h"
+#include "platform/lcdcomm/decoders.h"
 #include "platform/lcdcomm/link.h"
-#include "platform/lcdcomm/reportqueue.h"
 #include "platform/lcdcomm/reportstream.h"
-#include "platform/lcdcomm/resync.h"
 
 namespace lcdcomm {
 
@@ -30,24 +24,9 @@ public:
     int handleMessage(const ktp::IMessage* message) override;
 
 private:
-    void start();
-    void stop();
-    // Decoder thread.
-    void decode(const std::stop_token& stop);
-    void deliver(const Report& report);
-    void deliver(Gap gap);
-    void markMirrors();
-
     const std::shared_ptr<Link> link_;
-    ReportQueue queue_;
+    Decoders decoders_;
     ReportStream stream_;
-    ktp::IMessageCenter* const messageCenter_;  // null under a host without one
-    Resync resync_;                             // decoder thread
-    OncePerSecond gapLog_;
-    std::atomic<bool> running_ = false;
-    // Fixed while it runs.
-    std::unordered_map<std::uint32_t, std::vector<LCD::CommChannel::DecodeCallback>> callbacks_;
-    std::jthread decoder_;
     std::jthread reader_;
 };
 
