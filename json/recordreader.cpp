@@ -110,29 +110,38 @@ void scalar_from_token(reader& in, value_kind kind, void* member) {
 
 // --------------------------------------------------------------------- scalars from the cursor
 
-/// The end of a plain integer at `at`, or null when the token path must decide.
-inline const char* plain_integer(const char* at, std::int32_t& out) {
+struct plain_number {
+    const char* end;  ///< null when the token path must decide
+    std::uint32_t magnitude;
+    unsigned next;  ///< the character at the end, as `digit_of` gives it
+};
+
+/// The digits at `at`, where they are an integer.
+inline plain_number digits_at(const char* at) {
     unsigned digit = digit_of(*at);
-    bool negative = false;
-    if (digit > 9) {
-        if (*at != '-' || (digit = digit_of(*++at)) > 9) {
-            return nullptr;
-        }
-        negative = true;
+    if (digit > 9) [[unlikely]] {
+        return {nullptr, 0, digit};
     }
     std::uint32_t magnitude = digit;  // what overflows is cut off in the end
     while ((digit = digit_of(*++at)) <= 9) {
         magnitude = magnitude * 10 + digit;
     }
-    if (*at != ',' && *at != '}' && (*at == '.' || (*at | 0x20) == 'e')) {
-        return nullptr;
+    const bool goes_on = digit != digit_of(',') && (digit == digit_of('.') || (digit | 0x20) == digit_of('e'));
+    return {goes_on ? nullptr : at, magnitude, digit};
+}
+
+/// The end of a plain integer at `at`, or null when the token path must decide.
+const char* plain_integer(const char* at, std::int32_t& out) {
+    const bool negative = *at == '-';
+    const plain_number number = digits_at(at + negative);
+    if (number.end != nullptr) {
+        out = cut_to_32(number.magnitude, negative);
     }
-    out = static_cast<std::int32_t>(negative ? 0 - magnitude : magnitude);
-    return at;
+    return number.end;
 }
 
 /// The end of a quoted string without escapes at `at`, or null.
-inline const char* plain_text(const char* at, const char* end, std::string& out) {
+[[gnu::noinline]] const char* plain_text(const char* at, const char* end, std::string& out) {
     if (*at != '"') {
         return nullptr;
     }
@@ -150,11 +159,18 @@ inline const char* plain_text(const char* at, const char* end, std::string& out)
 // ---------------------------------------------------------------------------------- records
 
 /// Whether the text at `at` is the key of the field that is expected.
-inline bool is_key(const char* at, const field& expected) {
-    const std::uint64_t differences =
-        (load8(at) ^ expected.first_word) | (load8(at + expected.reach - 8) ^ expected.last_word);
-    return (differences & expected.mask) == 0 &&
-           (expected.key_size <= 16 || std::memcmp(at + 8, expected.key + 8, expected.key_size - 16u) == 0);
+inline bool is_key(const char* at, const char* end, const field& expected) {
+    if (end - at < expected.reach) [[unlikely]] {
+        return false;
+    }
+    const std::uint64_t differences = (load8(at) ^ expected.first_word) |
+                                      (load8(at + expected.reach - sizeof expected.last_word) ^ expected.last_word);
+    if ((differences & expected.mask) != 0) [[unlikely]] {
+        return false;
+    }
+    const std::size_t size = expected.key_size;
+    return size <= kKeyStart || (static_cast<std::size_t>(end - at) >= size &&
+                                 std::memcmp(at + kKeyStart, expected.key + kKeyStart, size - kKeyStart) == 0);
 }
 
 const field* find_field(const record_table& table, const token& key) {
@@ -181,21 +197,17 @@ const field* key_from_tokens(reader& in, const record_table& table) {
     return find_field(table, key);
 }
 
-/// Passes what stands between two members. False when it was the record's end.
-[[gnu::cold]] bool separator_from_tokens(reader& in) {
-    in.next();
-    if (in.current().starts_with('}')) {
-        return false;
+/// Passes the opening brace at `at` and gives the place of the first key. Null when the record is empty: its closing
+/// brace is then left where it stands, behind the cursor, and the reader above takes it for its own.
+[[gnu::noinline]] const char* enter_record(reader& in, const char* at) {
+    const char* key = skip_blanks(at, in.buffer_end());
+    if (*key == '{') {
+        key = skip_blanks(key + 1, in.buffer_end());
+        if (key[0] == '"' && key[1] != '}') {
+            return key;
+        }
     }
-    if (!in.current().starts_with(',')) {
-        in.error("invalid json document!");
-    }
-    return true;
-}
-
-/// Passes the opening brace. False when the record is empty: its closing brace is then left where it stands,
-/// and the reader above takes it for its own.
-[[gnu::cold]] bool enter_record(reader& in) {
+    in.set_cursor(at);
     in.next();
     if (!in.current().starts_with('{')) {
         in.error("read object must start with {!");
@@ -203,103 +215,109 @@ const field* key_from_tokens(reader& in, const record_table& table) {
     in.next();
     const bool empty = in.current().starts_with('}');
     in.unread();
-    return !empty;
+    return empty ? nullptr : in.cursor();
 }
 
-/// Passes a key by tokens. The field of that name, or null after its value was passed, too.
-[[gnu::cold]] const field* any_key(reader& in, const record_table& table) {
-    const field* const member = key_from_tokens(in, table);
-    if (member == nullptr) {
+/// Passes the key at the cursor, which isn't the expected one, or not at once. Its field, or null after its value
+/// was passed, too.
+[[gnu::noinline]] const field* other_key(reader& in, const record_table& table, std::atomic<const field*>& guess) {
+    const char* const end = in.buffer_end();
+    const field* member = guess.load(std::memory_order_relaxed);
+    if (const char* const key = skip_blanks(in.cursor(), end); is_key(key, end, *member)) {
+        const char* const value = key + member->key_size;
+        in.set_cursor(skip_blanks(value + (*value == ' '), end));
+        return member;
+    }
+    member = key_from_tokens(in, table);
+    if (member != nullptr) {
+        guess.store(member, std::memory_order_relaxed);
+    } else {
         skip(in);
     }
     return member;
 }
 
-[[gnu::cold]] const char* value_from_tokens(reader& in, const char* at, const field& member, char* object) {
+/// Passes what stands behind a member and gives the place of the next key. Null where it was the record's end: the
+/// cursor is then behind it.
+[[gnu::noinline]] const char* next_key(reader& in, const char* at) {
+    at = skip_blanks(at, in.buffer_end());
+    if (*at == ',') {
+        return at + 1;
+    }
+    if (*at == '}') {
+        in.set_cursor(at + 1);
+        return nullptr;
+    }
     in.set_cursor(at);
-    read_value(in, member.type, object + member.offset);
+    in.next();
+    if (in.current().starts_with('}')) {
+        return nullptr;
+    }
+    if (!in.current().starts_with(',')) {
+        in.error("invalid json document!");
+    }
     return in.cursor();
 }
 
-/// Reads the value of a member at `at`, in the fast way where there is one, and gives its end.
-inline const char* read_member(reader& in, const char* at, const field& member, char* object) {
-    char* const target = object + member.offset;
-    for (;;) {
-        const char* behind = nullptr;
-        switch (member.type.kind) {
-            case value_kind::integer:
-                behind = plain_integer(at, *reinterpret_cast<std::int32_t*>(target));
-                break;
-            case value_kind::record:
-                return read_record(in, at, member.type.record(), target);
-            case value_kind::text:
-                behind = plain_text(at, in.buffer_end(), *reinterpret_cast<std::string*>(target));
-                break;
-            default:
-                return value_from_tokens(in, at, member, object);
-        }
-        if (behind != nullptr) {
-            return behind;
-        }
-        const char* const value = skip_blanks(at, in.buffer_end());
-        if (value == at) {
-            return value_from_tokens(in, at, member, object);
-        }
-        at = value;
+/// Reads the value at `at` and gives its end.
+[[gnu::noinline]] const char* read_member(reader& in, const char* at, const value_type& type, char* target) {
+    at = skip_blanks(at, in.buffer_end());
+    const char* behind = nullptr;
+    if (type.kind == value_kind::integer) {
+        behind = plain_integer(at, *reinterpret_cast<std::int32_t*>(target));
+    } else if (type.kind == value_kind::text) {
+        behind = plain_text(at, in.buffer_end(), *reinterpret_cast<std::string*>(target));
     }
+    if (behind == nullptr) {
+        in.set_cursor(at);
+        read_value(in, type, target);
+        behind = in.cursor();
+    }
+    return behind;
 }
 
 /// Reads the record at `at` and gives its end.
-const char* read_record(reader& in, const char* start, const record_table& table, char* object) {
+const char* read_record(reader& in, const char* at, const record_table& table, char* object) {
     const char* const end = in.buffer_end();
-    const char* const safe_end = end - table.longest_reach;
-    const char* at = skip_blanks(start, end);
-    const bool opened = *at == '{';
-    at = skip_blanks(at + opened, end);
-    if (!opened || at[0] != '"' || at[1] == '}') {
-        in.set_cursor(start);
-        if (!enter_record(in)) {
-            return in.cursor();
-        }
-        at = in.cursor();
+    if (at[0] == '{' && at[1] == '"' && at[2] != '}') [[likely]] {
+        ++at;
+    } else if (at = enter_record(in, at); at == nullptr) {
+        return in.cursor();
     }
     std::atomic<const field*>* guess = &table.first;
     for (;;) {
         const field* member = guess->load(std::memory_order_relaxed);
-        const auto comes = [&] { return (at <= safe_end || end - at >= member->reach) && is_key(at, *member); };
-        if (comes() || (is_blank(*at) && (at = skip_blanks(at, end), comes()))) {  // compact texts come first
+        if (is_key(at, end, *member)) [[likely]] {
             at += member->key_size;
         } else {
             in.set_cursor(at);
-            member = any_key(in, table);
+            member = other_key(in, table, *guess);
             at = in.cursor();
-            if (member != nullptr) {
-                guess->store(member, std::memory_order_relaxed);
+        }
+        if (member != nullptr) [[likely]] {
+            guess = &member->next;
+            char* const target = object + member->offset;
+            if (member->type.kind == value_kind::record) {
+                at = read_record(in, at, member->type.record(), target);
+            } else if (member->type.kind != value_kind::integer) {
+                at = read_member(in, at, member->type, target);
+            } else if (const plain_number number = digits_at(at); number.end == nullptr) {
+                at = read_member(in, at, member->type, target);
+            } else {  // most members
+                *reinterpret_cast<std::int32_t*>(target) = static_cast<std::int32_t>(number.magnitude);
+                at = number.end;
+                if (number.next == digit_of(',')) [[likely]] {
+                    ++at;
+                    continue;
+                }
             }
         }
-        if (member != nullptr) {
-            guess = &member->next;
-            at = read_member(in, at, *member, object);
-        }
-        if (*at == ',') {
-            ++at;
-            continue;
-        }
-        if (*at == '}') {
-            return at + 1;
-        }
-        at = skip_blanks(at, end);
         if (*at == ',') {
             ++at;
         } else if (*at == '}') {
             return at + 1;
-        } else {
-            in.set_cursor(at);
-            const bool more = separator_from_tokens(in);
-            at = in.cursor();
-            if (!more) {
-                return at;
-            }
+        } else if (at = next_key(in, at); at == nullptr) {
+            return in.cursor();
         }
     }
 }

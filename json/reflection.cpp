@@ -41,9 +41,9 @@ std::vector<string_ref> split_fields(const char* literal) {
 void field::set(const char* key_text, std::size_t length, const member& value) {
     key = key_text;
     key_size = static_cast<std::uint16_t>(length);
-    reach = std::max<std::uint16_t>(key_size, 8);
+    reach = static_cast<std::uint16_t>(std::clamp<std::size_t>(length, sizeof first_word, kKeyStart));
     first_word = load8(key);
-    last_word = load8(key + reach - 8);
+    last_word = load8(key + reach - sizeof last_word);
     mask = ~std::uint64_t{0} >> (length < 8 ? 64 - 8 * length : 0);
     offset = static_cast<std::uint32_t>(value.offset);
     type = value.type;
@@ -61,7 +61,6 @@ record_table::record_table(const char* literal, const member* members, std::size
         fields[i].set(key + 1, written - 1, members[i]);
         fields[i].next = &fields[(i + 1) % count];
         key += written;
-        longest_reach = std::max<std::ptrdiff_t>(longest_reach, fields[i].reach);
         flat_size += written + flat_size_of(members[i].type);
     }
     first = fields.data();

@@ -68,17 +68,20 @@ struct member {
 /// Keys are copied in words of this size, the last one past the key's end.
 inline constexpr std::size_t kKeyWord = 16;
 
+/// So much of a key its two words cover.
+inline constexpr std::size_t kKeyStart = 16;
+
 /// A member with its key `"name":` ready to be compared in words. Fills a cache line.
 struct alignas(64) field {
     void set(const char* key_text, std::size_t length, const member& value);
     string_ref name() const { return {key + 1, key_size - std::strlen("\"\":")}; }
 
     std::uint64_t first_word;
-    std::uint64_t last_word;
-    std::uint64_t mask;  ///< the bytes of both words that belong to the key
-    const char* key;     ///< what stands before it when written, "{" or ",", is in front of it
+    std::uint64_t last_word;  ///< where the key, or its start, ends
+    std::uint64_t mask;       ///< the bytes of both words that belong to the key
+    const char* key;          ///< what stands before it when written, "{" or ",", is in front of it
     std::uint16_t key_size;
-    std::uint16_t reach;  ///< where the last word ends: at the key's end, but not before the first word does
+    std::uint16_t reach;  ///< where the last word ends, but not before the first one does
     std::uint32_t offset;
     value_type type;
     /// The field that last came after this one. Only ever compared with the text, so threads may overwrite each
@@ -92,7 +95,6 @@ struct record_table {
 
     std::vector<field> fields;
     mutable std::atomic<const field*> first;  ///< the field that last came first, a guess like `next`
-    std::ptrdiff_t longest_reach = 0;
     /// Most bytes that the keys, the brackets, the integers and the bools take when written, those of records inside
     /// included, and a word more.
     std::size_t flat_size = kKeyWord;
