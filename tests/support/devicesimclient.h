@@ -55,7 +55,7 @@ private:
 };
 
 struct Event {
-    std::string id = {}, epoch = {}, token = {}, body = {};
+    std::string id = {}, body = {};
     int number = 0, sequence = -1;
 };
 
@@ -105,12 +105,9 @@ private:
         if (line.starts_with("event: ")) {
             next_ = {.id = value};
         } else if (line.starts_with("id: ")) {
-            next_.epoch = value.substr(0, value.rfind('-'));
             next_.number = std::stoi(value.substr(value.rfind('-') + 1));
         } else if (line.starts_with("data: ") && next_.sequence < 0) {
-            const json source = json::parse(value);
-            next_.token = source["token"];
-            next_.sequence = source["sequence"];
+            next_.sequence = json::parse(value)["sequence"];
             bodyLines_ = 0;
         } else if (line.starts_with("data: ")) {
             next_.body += bodyLines_++ == 0 ? value : "\n" + value;

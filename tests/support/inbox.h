@@ -21,9 +21,6 @@ public:
     bool waitFor(std::size_t count) const {
         return monitor_.waitUntil([&] { return all_.size() >= count; });
     }
-    bool waitUntilLast(const T& value) const {
-        return monitor_.waitUntil([&] { return !all_.empty() && all_.back() == value; });
-    }
     std::size_t count() const { return all().size(); }
     std::vector<T> all() const {
         return monitor_.read([&] { return all_; });

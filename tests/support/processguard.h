@@ -27,9 +27,8 @@ inline constexpr bool kSanitized = false;
 inline constexpr std::chrono::milliseconds kPromptly{kSanitized ? 2000 : 100};
 
 /// Waits until `condition` holds, for as long as a busy machine may need. False when it never did.
-inline bool eventually(const std::function<bool()>& condition,
-                       std::chrono::milliseconds deadline = std::chrono::seconds(20)) {
-    const auto end = std::chrono::steady_clock::now() + deadline;
+inline bool eventually(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) {
             return false;

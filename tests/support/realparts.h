@@ -26,23 +26,12 @@ public:
 /// Starts logged in, with the stream of reports open, and leaves nothing behind.
 class RealParts {
 public:
-    explicit RealParts(const panel::SessionOptions& options = {}) : session(options), sim(session.deviceUrl()) {
-        session.user().registerRequestCallBack(
-            "test", LCD::MemoryCache::IUser::RequestCBType::TokenChanged, [this](const std::any& payload) {
-                tokens.add(*std::any_cast<const std::shared_ptr<std::string>&>(payload));
-            });
-    }
+    explicit RealParts(const panel::SessionOptions& options = {}) : session(options), sim(session.deviceUrl()) {}
 
     void start() {
         session.start();
         session.login(kDeadline);
     }
-    void login() {
-        const std::size_t before = tokens.count();
-        session.user().asyncLogin();
-        ASSERT_TRUE(tokens.waitFor(before + 2));
-    }
-
     static const panel::Kind& kindOf(const std::string& component, int value = 1) {
         return *panel::componentNamed(component).kind(value);
     }
@@ -84,7 +73,6 @@ public:
     }
 
     ProcessGuard guard;
-    JsonInbox tokens;
     panel::Session session;
     panel::SimControl sim;
 };

@@ -17,7 +17,11 @@ inline constexpr std::chrono::milliseconds kStormPace{7};  // fewer than 150 a s
 /// same start value. What the device refuses is part of the storm.
 class Storm {
 public:
-    Storm(RealParts& real, unsigned start) : real_(real), other_(real.sim), random_(start) {}
+    Storm(RealParts& real, unsigned start)
+        : real_(real),
+          other_(real.sim),
+          effects_(real.sim.state().at("/screen/global/switch-effect/switchEffect"_json_pointer)),
+          random_(start) {}
 
     /// After the device has forgotten its tokens.
     void loginOther() { other_ = panel::OtherClient(real_.sim); }
@@ -75,13 +79,25 @@ private:
         real_.sim.change("/system/detail/freezeAudioFollow", below(2));
         anybody("SwitchMode", 1, "PUT", "/zelto/v1/screen/global/swap", {{"enable", below(2)}});
         anybody("TransitionPreview", 1, "POST", "/zelto/v1/screen/global/transition-preview", {{"enable", below(2)}});
-        const int type = std::array{1, 2, 3, 5}[static_cast<std::size_t>(below(4))];
         if (below(2) == 0) {
+            const int type = std::array{1, 2, 3, 5}[static_cast<std::size_t>(below(4))];
             anybody("SwitchEffect", 2, "POST", "/zelto/v1/screen/global/active-effect", {{"type", type}});
         } else {
-            panel("SwitchEffect", 1,
-                  {{"switchEffect", {{"time", below(3000)}, {"type", type}, {"dip", {{"source", below(9)}}}}}});
+            panel("SwitchEffect", 1, {{"switchEffect", effects()}});
         }
+    }
+    /// New parameters of all effects, and a time for one of them or for none.
+    json effects() {
+        json all = effects_;
+        for (const char* effect : {"wipe", "fadeInOut", "dip", "dve"}) {
+            all[effect].erase("time");
+            all[effect].erase("type");
+            for (json& parameter : all[effect]) {
+                parameter = below(100);
+            }
+        }
+        all.update({{"time", below(3000)}, {"type", 1 + below(5)}});
+        return all;
     }
 
     void node() {
@@ -180,6 +196,7 @@ private:
 
     RealParts& real_;
     panel::OtherClient other_;
+    const json effects_;  // as they were at first
     std::mt19937 random_;
 };
 

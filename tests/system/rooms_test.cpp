@@ -67,4 +67,49 @@ TEST(Rooms, aTakeoverMakesAllMirrorsStale) {
     EXPECT_TRUE(real.holds(panel::After::traffic));
 }
 
+// The states of the verdicts; of a timing's whether its connector carries that much.
+std::string verdicts(RealParts& real, int kind, const char* question) {
+    const json answer = real.ask("Assess", kind, RealParts::kindOf("Assess", kind).parseQuestion(question));
+    std::string states;
+    for (const json& each : answer.is_array() ? answer : json::array({answer})) {
+        states += each.contains("state")                                ? each["state"].dump()
+                  : each.at("currentBandwidth") <= each["maxBandwidth"] ? "fits"
+                                                                        : "exceeds";
+    }
+    return states;
+}
+
+TEST(Rooms, everyQuestionIsAnsweredFromTheDevicesState) {
+    RealParts real;
+    real.start();
+    const json before = real.sim.state();
+    // In the order of the kinds, which are numbered from one.
+    const std::pair<const char*, const char*> questions[] = {
+        {R"([{"interfaceId":21,"tagName":"width","colorSpace":0,"colorDepth":8,
+              "thumbTiming":{"frame":60,"width":3840,"height":2160}}])",
+         "exceeds"},
+        {R"([{"interfaceId":21,"tagName":"width","colorSpace":0,"colorDepth":8,
+              "timing":{"refresh":60,"horizontal":{"totalTime":2200},"vertical":{"totalTime":1125}}}])",
+         "fits"},
+        {R"([{"layerId":1,"window":{"width":9,"height":9,"x":-1,"y":0}},{"layerId":77}])", "41"},
+        {R"([{"layerId":9,"enable":1}])", "0"},
+        {R"([{"layerId":1,"source":{"general":{"sourceId":21,"sourceType":1}}}])", "2"},
+        {R"([{"layerId":1,"aspectRatio":9,"locked":0}])", "5"},
+        {R"([{"layerId":1,"general":{"capacity":12}}])", "3"},
+        {R"([{"layerId":1,"cutout":{"enable":1}},{"layerId":2,"cutout":{"enable":1}},
+             {"layerId":3,"cutout":{"enable":1}}])",
+         "003"},
+        {R"([{"interfaceId":1,"sourceList":[{"id":99}]}])", "22"},
+        {R"({"nodeId":1,"subcards":[{"slotId":3,"connectors":[{"index":2,"workMode":2,"capacityMode":1}]}]})",
+         "0200000"},
+        {R"({"layerId":1,"mode":9})", "5"},
+        {R"({"presetId":4,"sceneType":0})", "5"},
+    };
+    int kind = 0;
+    for (const auto& [question, states] : questions) {
+        EXPECT_EQ(verdicts(real, ++kind, question), states) << question;
+    }
+    EXPECT_EQ(real.sim.state(), before);
+}
+
 }  // namespace

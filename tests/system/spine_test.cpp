@@ -1,5 +1,4 @@
 // The way through the whole house: host, channel, receiver, plug-in, simulated device.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/ktp/knownsettings.h"
@@ -11,101 +10,52 @@ namespace {
 using namespace lcdtest;
 using nlohmann::json;
 
-struct Place {
-    const char* component;
-    const char* pointer;
-};
-
-// Where the state of each mirror lies in the device.
-constexpr Place kMirrors[] = {{"AboutUs", "/custom"},
-                              {"SystemDetail", "/system/detail"},
-                              {"SwitchEffect", "/screen/global/switch-effect"},
-                              {"SwitchMode", "/screen/global/swap"},
-                              {"TransitionPreview", "/screen/global/transition-preview"}};
-
-/// So far; the paths are like the pointers.
-long fetches(RealParts& real, const std::string& pointer) { return real.sim.requests("GET", "/zelto/v1" + pointer); }
-
-TEST(Spine, theFirstFetchOfEachMirrorEqualsTheDevice) {
-    RealParts real;
-    real.start();
-    const json state = real.sim.state();
-    for (const auto& [component, pointer] : kMirrors) {
-        EXPECT_EQ(real.ask(component), state.at(json::json_pointer(pointer))) << component;
-    }
-    for (const auto& [component, pointer] : kMirrors) {
-        EXPECT_EQ(fetches(real, pointer), 1) << component;
-    }
-}
-
-TEST(Spine, reportsKeepTheMirrorsEqual) {
-    std::map<std::string, JsonInbox> inboxes;
-    JsonInbox active;
-    RealParts real;
-    for (const auto& [component, pointer] : kMirrors) {
-        real.subscribe(component, 1, inboxes[component]);
-    }
-    real.subscribe("SwitchEffect", 2, active);
-    real.start();
-    for (const auto& [component, pointer] : kMirrors) {
-        real.ask(component);
-    }
-
-    real.sim.change("/custom/company/name", "Renamed");
-    real.sim.change("/system/detail/freezeAudioFollow", 1);
-    real.sim.change("/screen/global/swap/enable", 0);
-    real.sim.change("/screen/global/transition-preview/enable", 1);
-    real.sim.change("/screen/global/switch-effect/switchEffect/wipe/posX", 77);
-    const json state = real.sim.state();
-    for (const auto& [component, pointer] : kMirrors) {
-        EXPECT_TRUE(inboxes[component].waitUntilLast(state.at(json::json_pointer(pointer))))
-            << component << ": " << inboxes[component].last();
-        EXPECT_EQ(fetches(real, pointer), std::string(component) == "AboutUs" ? 2 : 1)
-            << component << ": about-us alone fetches on its report";
-    }
-
-    real.sim.change("/screen/global/switch-effect/switchEffect/type", 5);
-    EXPECT_TRUE(active.waitUntilLast(5));
-}
-
-TEST(Spine, aChangeGoesToTheDeviceAndComesBackByItsReport) {
-    JsonInbox modes;
-    JsonInbox effects;
+TEST(Spine, everyChangeThatComponentsTakeGoesToTheDevice) {
+    const struct {
+        const char* component;
+        int kind;
+        const char *change, *pointer;
+        json becomes;
+    } changes[] = {
+        {"SwitchMode", 1, R"({"enable":2})", "/screen/global/swap/enable", 2},
+        {"TransitionPreview", 1, R"({"enable":1})", "/screen/global/transition-preview/enable", 1},
+        {"SwitchEffect", 1, R"({"switchEffect":{"time":900,"type":3,"wipe":{"image":4,"posX":1}}})",
+         "/screen/global/switch-effect/switchEffect/wipe/time", 900},
+        {"SwitchEffect", 2, R"({"type":3})", "/screen/global/switch-effect/switchEffect/time", 900},
+        {"Node", 6, R"({"id":9})", "/node/detail/virtualId", 9},
+        {"Node", 16, R"({"nodeId":1,"mode":2})", "/node/detail/mvr/mode", 2},
+        {"Node", 17, R"({"nodeId":1,"followPreset":0})", "/node/detail/aux/followPreset", 0},
+        {"Node", 18, R"({"mode":5})", "/node/detail/deviceLayerMode/mode", 5},
+        {"Node", 3, R"([{"masterSN":"EX4K16-000117","slaveSN":[]}])", "/node/detail/deviceBackup/slave", json::array()},
+        {"Node", 4, R"([{"masterSN":"EX4K16-000117","slaveSN":["EX4K16-000118"]}])",
+         "/node/detail/deviceBackup/slave/0/sn", "EX4K16-000118"},
+        {"PresetSetting", 2, R"({"namePrefix":"New","presetIdObj":{"id":4}})", "/preset/list/3/presetId", 4},
+        {"PresetSetting", 5, R"({"presetId":4,"general":{"name":"Fourth"}})", "/preset/list/3/general/name", "Fourth"},
+        {"PresetSetting", 3, R"({"presetId":4,"sceneType":0})", "/preset/currentPresetId", 4},
+        {"PresetSetting", 4, R"([{"presetId":4}])", "/preset/list/3/presetId", 5},
+        {"ScreenTake", 2, R"({"direction":0})", "/layers/list/0/layerIdObj/sceneType", 1},
+        {"ScreenDetailTake", 2, R"([{"screenId":1,"direction":0}])", "/layers/list/0/layerIdObj/sceneType", 0},
+        {"ScreenTake", 1, R"({"direction":0,"effectSelect":0,"switchEffect":{"time":20,"type":1}})",
+         "/layers/list/0/layerIdObj/sceneType", 1},
+        {"ScreenDetailTake", 1,
+         R"([{"screenId":1,"direction":0,"effectSelect":0,"switchEffect":{"time":20,"type":1}}])",
+         "/layers/list/0/layerIdObj/sceneType", 0},
+        {"ScreenDetailTake", 3, R"([{"screenId":1,"percent":30}])", "/screen/list/0/percent", 30},
+        {"Node", 7, R"({"nodeId":1,"mode":{"workMode":2,"masterSlave":0}})", "/node/detail/mode/workMode", 2},
+    };
     Results results;
     RealParts real;
-    real.subscribe("SwitchMode", 1, modes);
-    real.subscribe("SwitchEffect", 1, effects);
     real.start();
-    real.set("SwitchMode", 1, R"({"enable":0})", results);
-    EXPECT_TRUE(modes.waitUntilLast({{"enable", 0}}));
-    ASSERT_TRUE(results.waitFor(1));
-    EXPECT_EQ(results.all(), std::vector<bool>{true});
-    EXPECT_EQ(real.sim.state().at("/screen/global/swap/enable"_json_pointer), 0);
-
-    const json before = real.ask("SwitchEffect");
-    real.set("SwitchEffect", 1, R"({"switchEffect":{"time":900,"type":3,"wipe":{"image":4,"posX":1}}})", results);
-    ASSERT_TRUE(effects.waitFor(1));
-    json device = real.sim.state().at("/screen/global/switch-effect"_json_pointer);
-    // The report moves the time of its own effect; the top of the mirror follows at the next fetch.
-    device["switchEffect"]["time"] = before["switchEffect"]["time"];
-    device["switchEffect"]["type"] = before["switchEffect"]["type"];
-    EXPECT_EQ(effects.last(), device);
-    EXPECT_EQ(device.at("/switchEffect/wipe/time"_json_pointer), 900);
-}
-
-TEST(Spine, aBurstOfChangesIsMergedAndItsLastOneWins) {
-    JsonInbox modes;
-    Results results;
-    RealParts real;
-    real.subscribe("SwitchMode", 1, modes);
-    real.start();
-    constexpr int kChanges = 400;
-    for (int i = 1; i <= kChanges; ++i) {
-        real.set("SwitchMode", 1, json{{"enable", i}}.dump(), results);
+    real.openAllPages();
+    for (const auto& [component, kind, change, pointer, becomes] : changes) {
+        const std::size_t before = results.count();
+        real.set(component, kind, change, results);
+        ASSERT_TRUE(results.waitFor(before + 1)) << change;
+        EXPECT_TRUE(results.last()) << change;
+        EXPECT_TRUE(eventually([&] { return real.sim.state().at(json::json_pointer(pointer)) == becomes; })) << change;
     }
-    EXPECT_TRUE(modes.waitUntilLast({{"enable", kChanges}}));
-    EXPECT_EQ(real.sim.state().at("/screen/global/swap/enable"_json_pointer), kChanges);
-    EXPECT_LT(real.sim.requests("PUT", "/zelto/v1/screen/global/swap"), kChanges);
+    EXPECT_EQ(real.ask("SwitchEffect", 2), 3);
+    EXPECT_TRUE(real.holds(panel::After::traffic));
 }
 
 TEST(Spine, aRefusedLoginLeavesTheMirrorsAsTheyAreUntilALaterOneSucceeds) {
@@ -113,58 +63,19 @@ TEST(Spine, aRefusedLoginLeavesTheMirrorsAsTheyAreUntilALaterOneSucceeds) {
     LogCapture log;
     real.session.start();
     real.sim.change("/session/password", "another");
-    real.login();
-    EXPECT_EQ(real.tokens.last(), "");
-    EXPECT_TRUE(log.contains("/zelto/v1/system/auth/login loginName=admin has failed. Response Code="));
+    real.session.user().asyncLogin();
+    EXPECT_TRUE(eventually([&] { return log.contains("loginName=admin has failed. Response Code="); }));
+    EXPECT_EQ(real.session.user().token(), "");
     EXPECT_EQ(real.ask("SwitchMode"), json({{"enable", 0}})) << "the empty mirror is what there is";
+    EXPECT_EQ(real.ask("NodeBrief"), json::array());
+    EXPECT_TRUE(log.contains("get node list fail"));
     EXPECT_FALSE(real.session.status().receiver().connected);
 
     real.sim.change("/session/password", "Zk9wUTc4");
-    real.login();
-    EXPECT_NE(real.tokens.last(), "");
+    real.session.user().asyncLogin();
+    EXPECT_TRUE(eventually([&] { return !real.session.user().token().empty(); }));
     EXPECT_EQ(real.ask("SwitchMode"), json({{"enable", 1}}));
     EXPECT_TRUE(eventually([&] { return real.session.status().receiver().connected; }));
-}
-
-TEST(Spine, aClearedTokenMakesAllMirrorsFetchAgain) {
-    RealParts real;
-    real.start();
-    EXPECT_EQ(real.ask("SwitchMode"), json({{"enable", 1}}));
-    const std::uint64_t before = real.session.status().channel().requests;
-    real.session.user().clearToken();
-    // The message that marks the mirrors goes through the message centre's own thread.
-    EXPECT_TRUE(eventually([&] {
-        real.ask("SwitchMode");
-        return real.session.status().channel().requests > before;
-    }));
-}
-
-/// Asks and changes without pause, so that a stop finds every thread at work.
-void makeTraffic(RealParts& real, int round, Results& results) {
-    for (const auto& [component, pointer] : kMirrors) {
-        for (int i = 0; i < 20 + round; ++i) {
-            real.session.get(panel::componentNamed(component), RealParts::kindOf(component), "traffic",
-                             [](const std::any&) {});
-        }
-    }
-    for (int i = 0; i < 20 + round; ++i) {
-        real.set("TransitionPreview", 1, json{{"enable", i % 2}}.dump(), results);
-        real.set("SwitchMode", 1, json{{"enable", i % 2}}.dump(), results);
-        real.set("SwitchEffect", 1 + i % 2, i % 2 == 0 ? "{}" : R"({"type":3})", results);
-    }
-}
-
-TEST(Spine, stopsDuringTraffic) {
-    constexpr int kRounds = kSanitized ? 3 : 10;
-    for (int round = 0; round < kRounds; ++round) {
-        Results results;
-        RealParts real;
-        real.start();
-        makeTraffic(real, round, results);
-        const auto start = std::chrono::steady_clock::now();
-        real.session.stop();
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(5500));
-    }
 }
 
 TEST(Spine, hundredsOfStartsLeaveNothingBehind) {

@@ -14,8 +14,17 @@ TEST(Storm, leavesEveryMirrorEqualToTheDevice) {
     RealParts real;
     real.start();
     real.openAllPages();
+    const auto fetches = [&] {
+        long sum = 0;
+        for (const char* each : {"system/detail", "screen/global/switch-effect", "screen/global/swap"}) {
+            sum += real.sim.requests("GET", std::string("/zelto/v1/") + each);
+        }
+        return sum;
+    };
+    const long before = fetches();
     Storm(real, 20).run(kChanges);
     EXPECT_TRUE(real.holds(After::traffic));
+    EXPECT_EQ(fetches(), before) << "reports alone keep these";
     real.resync();
     EXPECT_TRUE(real.holds(After::resync));
     EXPECT_EQ(real.session.status().channel().failures, 0U);

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "lcdprotocolimpl/interface/mosaic.h"
 #include "lcdprotocolimpl/layer/layerdetail.h"
-#include "lcdprotocolimpl/node/subcard.h"
 #include "tests/support/fakes.h"
 #include "tests/support/inbox.h"
 #include "tests/support/logcapture.h"
@@ -52,34 +50,6 @@ TEST_F(AssessTest, everyQuestionGoesToTheDevice) {
     ASSERT_TRUE(inbox.waitFor(5));
     EXPECT_EQ(channel.calls().size(), 5u);
     EXPECT_NE(inbox.shared<LayerVerdict>(3), inbox.shared<LayerVerdict>(4));
-}
-
-TEST_F(AssessTest, eachKindHasItsQuestionItsPathAndItsVerdict) {
-    struct {
-        CB kind;
-        std::any question;
-        const char* call;
-    } const kinds[] = {
-        {CB::ThumbTiming, std::make_shared<std::vector<s_ThumbTimingCheck>>(), "POST thumbtiming-check"},
-        {CB::AdvancedTiming, std::make_shared<std::vector<s_DetailTimingCheck>>(), "POST timing-check"},
-        {CB::LayerWindow, std::make_shared<std::list<s_LayerWindow>>(), "PUT layers-window"},
-        {CB::LayerSwitch, std::make_shared<std::list<s_LayerSwitch>>(), "PUT layers-switch"},
-        {CB::LayerSource, std::make_shared<std::list<s_LayerSource>>(), "PUT layers-source"},
-        {CB::LayerAspectRatio, std::make_shared<std::list<s_LayerRatio>>(), "PUT layers-aspect-ratio"},
-        {CB::LayerGeneral, std::make_shared<std::list<s_LayerIdGeneral>>(), "POST layer-general"},
-        {CB::LayerCutout, std::make_shared<std::vector<s_LayerCutout>>(), "PUT layers-cutout"},
-        {CB::InputMOSAICCapacity, std::make_shared<std::list<s_InterfaceMOSAICDetailBody>>(), "PUT mosaic-source"},
-        {CB::InputSourceCapacity, std::make_shared<s_NodeSubcardsMode>(), "PUT subcard-mode"},
-        {CB::LayerZoomMode, std::make_shared<s_LayerZoomModeBody>(), "PUT scale-mode"},
-        {CB::PresetPlay, std::make_shared<s_PresetPlayAssess>(), "POST play"}};
-    std::size_t index = 0;
-    for (const auto& each : kinds) {
-        ask(each.kind, each.question);
-        ASSERT_TRUE(inbox.waitFor(++index)) << each.call;
-        const auto call = channel.lastChange();
-        EXPECT_EQ(call.verb + " " + call.path.substr(call.path.rfind('/') + 1), each.call);
-    }
-    EXPECT_EQ(inbox.at<s_PresetPlayAssessResult>(11).state, -1);
 }
 
 TEST_F(AssessTest, failuresAreEmptyVerdictsAndMistakesOldOnes) {

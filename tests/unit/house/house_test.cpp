@@ -32,11 +32,6 @@ std::string roomOf(const std::string& path) {
     return kRooms.count(first) == 0 ? std::string() : first;
 }
 
-std::string readFile(const fs::path& file) {
-    std::ifstream in(file);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 /// "FILE includes X" for each include of a room that `allowed` doesn't name.
 std::vector<std::string> brokenArrows(const fs::path& folder, const std::set<std::string>& allowed) {
     constexpr std::string_view kInclude = "#include \"";
@@ -45,7 +40,8 @@ std::vector<std::string> brokenArrows(const fs::path& folder, const std::set<std
         if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp") {
             continue;
         }
-        const std::string text = readFile(entry.path());
+        std::ifstream file(entry.path());
+        const std::string text{std::istreambuf_iterator<char>(file), {}};
         for (std::size_t at = text.find(kInclude); at != text.npos; at = text.find(kInclude, at)) {
             at += kInclude.size();
             const std::string target = text.substr(at, text.find('"', at) - at);

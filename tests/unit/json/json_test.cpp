@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
-#include <optional>
 
 #include "lcdprotocolimpl/core/codec.h"
 #include "lcdprotocolimpl/core/response.h"

@@ -1,13 +1,9 @@
 // The channel, inside a host, against a server of bare sockets.
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <atomic>
-#include <filesystem>
 #include <fstream>
 #include <numeric>
-#include <thread>
 
 #include "platform/ktp/hostmessages.h"
 #include "tests/support/logcapture.h"
@@ -177,15 +173,15 @@ TEST_F(ChannelTest, AHundredAndFiftyThreadsSendAtOnce) {
 }
 
 TEST_F(ChannelTest, AStopGivesRunningRequestsItsGraceAndNoMore) {
-    Door hanging;
-    Door announced;
+    Kept<bool> hanging;
+    Kept<bool> announced;
     RawServer server([&](RawConnection& connection) {
         while (const auto request = connection.read()) {
             if (request->target == "/hang") {
-                hanging.open();
+                hanging.add(true);
                 connection.waitForEnd();
             } else if (request->target == "/slow") {
-                connection.reply(200, announced.waitFor() ? "\"in time\"" : "\"never\"");
+                connection.reply(200, announced.waitFor(1) ? "\"in time\"" : "\"never\"");
             } else {
                 connection.reply(200, "{}");
             }
@@ -202,7 +198,7 @@ TEST_F(ChannelTest, AStopGivesRunningRequestsItsGraceAndNoMore) {
             slow.wait();
             late = get(*sending, "/late");
         } else if (message.id() == ktp::kStopAhead) {
-            announced.open();
+            announced.add(true);
         }
         return 0;
     });
@@ -215,7 +211,7 @@ TEST_F(ChannelTest, AStopGivesRunningRequestsItsGraceAndNoMore) {
     // On a connection that is already there no timer of libcurl's wakes the request by chance.
     EXPECT_TRUE(get(channel, "/first").replied);
     hung = std::async(std::launch::async, [&] { return get(channel, "/hang"); });
-    ASSERT_TRUE(hanging.waitFor());
+    ASSERT_TRUE(hanging.waitFor(1));
     slow = std::async(std::launch::async, [&] { return get(channel, "/slow"); });
     const auto before = Clock::now();
     host_->stop();

@@ -39,17 +39,6 @@ inline Answer get(IHttpChannel& channel, const std::string& path) {
     return answer;
 }
 
-/// A door that opens once.
-class Door {
-public:
-    void open() { promise_.set_value(); }
-    bool waitFor(std::chrono::seconds time = 20s) { return future_.wait_for(time) == std::future_status::ready; }
-
-private:
-    std::promise<void> promise_;
-    std::shared_future<void> future_ = promise_.get_future().share();
-};
-
 /// Writes down what passes.
 class Watcher final : public lcdcomm::ICommObserver {
 public:

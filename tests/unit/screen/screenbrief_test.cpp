@@ -1,6 +1,5 @@
 #include "lcdmemorycacheimpl/screen/screenbrief.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "lcdmemorycacheimpl/node/node.h"
