@@ -21,6 +21,9 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Unique symbols would keep a plug-in mapped after dlclose.
     target_compile_options(lcd_flags INTERFACE -fno-gnu-unique -fpch-preprocess)
+elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # A precompiled header out of the cache is good whatever the times of the files that it was made of.
+    target_compile_options(lcd_flags INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
 endif()
 if(LCD_SANITIZE)
     target_compile_options(lcd_flags INTERFACE -fsanitize=${LCD_SANITIZE} -fno-sanitize-recover=all

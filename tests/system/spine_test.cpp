@@ -47,12 +47,13 @@ TEST(Spine, everyChangeThatComponentsTakeGoesToTheDevice) {
     RealParts real;
     real.start();
     real.openAllPages();
-    for (const auto& [component, kind, change, pointer, becomes] : changes) {
+    for (const auto& each : changes) {
         const std::size_t before = results.count();
-        real.set(component, kind, change, results);
-        ASSERT_TRUE(results.waitFor(before + 1)) << change;
-        EXPECT_TRUE(results.last()) << change;
-        EXPECT_TRUE(eventually([&] { return real.sim.state().at(json::json_pointer(pointer)) == becomes; })) << change;
+        real.set(each.component, each.kind, each.change, results);
+        ASSERT_TRUE(results.waitFor(before + 1)) << each.change;
+        EXPECT_TRUE(results.last()) << each.change;
+        const json::json_pointer pointer(each.pointer);
+        EXPECT_TRUE(eventually([&] { return real.sim.state().at(pointer) == each.becomes; })) << each.change;
     }
     EXPECT_EQ(real.ask("SwitchEffect", 2), 3);
     EXPECT_TRUE(real.holds(panel::After::traffic));

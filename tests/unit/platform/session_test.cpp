@@ -11,7 +11,6 @@
 namespace {
 
 using namespace lcdtest;
-using lcdcomm::RequestEnd;
 using testing::ElementsAre;
 
 constexpr const char* kLogin = "/zelto/v1/system/auth/login";
