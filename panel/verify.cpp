@@ -45,13 +45,17 @@ public:
 
     Verdict of(const Component& component, const Kind& kind, std::chrono::milliseconds timeout) {
         const auto deadline = Clock::now() + timeout;
+        std::optional<Verdict> last;
         while (true) {
             const std::optional<Delivered> one = ask(component, kind, deadline);
             const json state = device_.state();
-            const Verdict verdict =
-                one ? compared(component, kind, json::parse(one->text), state, after_) : silent(component, kind, state);
-            if (verdict.holds() || Clock::now() + kPause >= deadline) {
-                return verdict;
+            if (one) {
+                last = compared(component, kind, json::parse(one->text), state, after_);
+            } else if (const Verdict none = silent(component, kind, state); none.holds() || !last) {
+                last = none;  // what was delivered earlier says more than that the time was up
+            }
+            if (last->holds() || Clock::now() + kPause >= deadline) {
+                return *last;
             }
             std::this_thread::sleep_for(kPause);
         }
