@@ -24,7 +24,7 @@ inline constexpr bool kSanitized = false;
 #endif
 
 /// What a stop may take when nothing holds it up.
-inline constexpr std::chrono::milliseconds kPromptly{kSanitized ? 2000 : 100};
+inline constexpr std::chrono::milliseconds kPromptly{kSanitized ? 2000 : 500};
 
 /// Waits until `condition` holds, for as long as a busy machine may need. False when it never did.
 inline bool eventually(const std::function<bool()>& condition) {
