@@ -299,9 +299,9 @@ const char* read_record(reader& in, const char* at, const record_table& table, c
             char* const target = object + member->offset;
             if (member->type.kind == value_kind::record) {
                 at = read_record(in, at, member->type.record(), target);
-            } else if (member->type.kind != value_kind::integer) {
-                at = read_member(in, at, member->type, target);
-            } else if (const plain_number number = digits_at(at); number.end == nullptr) {
+            } else if (const plain_number number =
+                           member->type.kind == value_kind::integer ? digits_at(at) : plain_number{};
+                       number.end == nullptr) {
                 at = read_member(in, at, member->type, target);
             } else {  // most members
                 *reinterpret_cast<std::int32_t*>(target) = static_cast<std::int32_t>(number.magnitude);
