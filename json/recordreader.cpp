@@ -1,9 +1,8 @@
 #include "json/recordreader.h"
 
-#include <strings.h>
-#include <cstdlib>
 #include <cstring>
 
+#include "json/scalars.h"
 #include "json/scan.h"
 
 // The reader knows two ways through a text. The fast one compares the text with the key that is expected next
@@ -19,96 +18,7 @@ const char* read_record(reader& in, const char* at, const record_table& table, c
 
 constexpr unsigned digit_of(char c) { return static_cast<unsigned>(c) - '0'; }
 
-// ---------------------------------------------------------------------- scalars from a token
-
-bool is_true(const token& value) { return value.length == 4 && strncasecmp(value.text, "true", 4) == 0; }
-
-std::int32_t cut_to_32(std::uint64_t magnitude, bool negative) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(negative ? 0 - magnitude : magnitude));
-}
-
-std::int32_t integer_of_double(double magnitude, bool negative) {
-    constexpr double kLimit = 9223372036854775808.0;
-    return magnitude < kLimit ? cut_to_32(static_cast<std::uint64_t>(magnitude), negative) : 0;
-}
-
-void integer_from_token(const reader& in, std::int32_t& out) {
-    const token& value = in.current();
-    switch (value.type) {
-        case token_uint:
-        case token_int:
-            out = cut_to_32(value.value.u64, value.negative);
-            return;
-        case token_double:
-            out = integer_of_double(value.value.d64, value.negative);
-            return;
-        case token_string:
-            out = is_true(value) ? 1 : static_cast<std::int32_t>(std::strtoll(value.text, nullptr, 10));
-            return;
-        default:
-            in.error("not a valid signed integral like number.");
-    }
-}
-
-void real_from_token(const reader& in, float& out) {
-    const token& value = in.current();
-    switch (value.type) {
-        case token_double:
-            out = static_cast<float>(value.negative ? -value.value.d64 : value.value.d64);
-            return;
-        case token_uint:
-        case token_int:
-            out = static_cast<float>(value.value.u64);
-            out = value.negative ? -out : out;
-            return;
-        case token_string:
-            out = static_cast<float>(std::strtold(value.text, nullptr));
-            return;
-        default:
-            in.error("not a valid float point number.");
-    }
-}
-
-void boolean_from_token(const reader& in, bool& out) {
-    const token& value = in.current();
-    switch (value.type) {
-        case token_uint:
-        case token_int:
-            out = value.value.u64 != 0;
-            return;
-        case token_double:
-            out = value.value.d64 != 0.0;
-            return;
-        case token_string:
-            out = is_true(value);
-            return;
-        default:
-            in.error("not a valid bool.");
-    }
-}
-
-void text_from_token(const reader& in, std::string& out) {
-    const token& value = in.current();
-    if (value.type != token_string || !escape_string(out, value.text, value.length)) {
-        in.error("not a valid string.");
-    }
-}
-
-void scalar_from_token(reader& in, value_kind kind, void* member) {
-    in.next();
-    switch (kind) {
-        case value_kind::integer:
-            return integer_from_token(in, *static_cast<std::int32_t*>(member));
-        case value_kind::real:
-            return real_from_token(in, *static_cast<float*>(member));
-        case value_kind::boolean:
-            return boolean_from_token(in, *static_cast<bool*>(member));
-        default:
-            return text_from_token(in, *static_cast<std::string*>(member));
-    }
-}
-
-// --------------------------------------------------------------------- scalars from the cursor
+// ---------------------------------------------------------------------------------- scalars
 
 struct plain_number {
     const char* end;  ///< null when the token path must decide
