@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
+#include <optional>
+
+#include "devicesim/wholenumber.h"
 
 namespace devicesim {
 
@@ -27,12 +29,11 @@ std::size_t queryNumber(const Call& call, const std::string& name, std::size_t o
     if (found == call.request.query.end()) {
         return otherwise;
     }
-    const std::string& text = found->second;
-    std::size_t value = 0;
-    if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc() || value == 0) {
+    const std::optional<std::size_t> value = wholeNumber<std::size_t>(found->second);
+    if (value.value_or(0) == 0) {
         throw Refusal(Failure::WrongType, fmt::format("{} must be a number from 1", name));
     }
-    return value;
+    return *value;
 }
 
 // The members that `names` gives, blanks between them; all if it is empty.

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <limits>
 #include <mutex>
@@ -19,6 +18,7 @@
 #include "devicesim/devicesim.h"
 #include "devicesim/listener.h"
 #include "devicesim/reports.h"
+#include "devicesim/wholenumber.h"
 
 namespace devicesim {
 
@@ -35,10 +35,7 @@ std::string bearerToken(const httplib::Request& request) {
 
 // Zero for a tag that is missing or no number.
 std::int32_t sequenceTag(const httplib::Request& request) {
-    const std::string text = request.get_header_value("X-Sequence-Tag");
-    std::int32_t tag = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), tag);
-    return error == std::errc() && end == text.data() + text.size() ? tag : 0;
+    return wholeNumber<std::int32_t>(request.get_header_value("X-Sequence-Tag")).value_or(0);
 }
 
 bool isLoopback(std::string_view ip) { return ip.starts_with("127.") || ip == "::1" || ip.starts_with("::ffff:127."); }

@@ -1,13 +1,13 @@
 // The control plane: what a test does to the device behind its clients' backs.
 #include <fmt/format.h>
 
-#include <charconv>
 #include <optional>
 #include <string>
 
 #include "devicesim/actions.h"
 #include "devicesim/drag.h"
 #include "devicesim/families/families.h"
+#include "devicesim/wholenumber.h"
 
 namespace devicesim {
 
@@ -65,15 +65,16 @@ void change(Call& call) {
 // as its text, fit or not.
 void pushReport(Call& call) {
     const std::string id = member(call.body, "id", json::value_t::string);
-    Report report;
-    const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), report.id, 16);
-    if (error != std::errc() || end != id.data() + id.size()) {
+    const std::optional number = wholeNumber<decltype(Report::id)>(id, 16);
+    if (!number) {
         throw Refusal(Failure::WrongType, "id must be a report's number in hexadecimal, without 0x");
     }
     if (!call.body.contains("body")) {
         throw Refusal(Failure::Incomplete, "body is missing");
     }
     const json& body = call.body["body"];
+    Report report;
+    report.id = *number;
     report.body = body.is_string() ? body.get<std::string>() : body.dump();
     report.source.token = memberOr(call.body, "token", kDeviceToken);
     if (call.body.contains("sequence")) {
@@ -110,9 +111,8 @@ void addFaults(Call& call) { call.answer({{"ids", call.device.faults.add(call.bo
 void removeFaults(Call& call) {
     std::optional<int> id;
     if (const auto found = call.request.query.find("id"); found != call.request.query.end()) {
-        const std::string& text = found->second;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id.emplace());
-        if (error != std::errc() || end != text.data() + text.size()) {
+        id = wholeNumber<int>(found->second);
+        if (!id) {
             throw Refusal(Failure::WrongType, "id must be the number of a rule");
         }
     }
