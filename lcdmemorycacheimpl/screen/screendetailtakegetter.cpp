@@ -27,16 +27,7 @@ void ScreenDetailTakeGetter::registerNotifySubCacheCallback() {
     bindHandler(CB::ScreenDetailTbarSet, &ScreenDetailTakeGetter::notifyScreenDetailTbarChanged);
 }
 
-void ScreenDetailTakeGetter::reloadCache(const RequestData& /*request*/) {
-    LockGuard lock(cacheMutex);
-    std::vector<s_ScreenDetailTbar> fetched;
-    if (getScreenDetailTbar(httpChannel, fetched)) {
-        cache = std::move(fetched);
-        cacheDirty = false;
-    } else {
-        cacheDirty = true;
-    }
-}
+void ScreenDetailTakeGetter::reloadCache(const RequestData& /*request*/) { fetchCache(&getScreenDetailTbar); }
 
 void ScreenDetailTakeGetter::notifyScreenDetailTbarChanged(const RequestData& request) { deliverCache(request); }
 
