@@ -117,7 +117,7 @@ Lines measureLoopback() {
 
     int value = 0;
     std::vector<Latency> all;
-    all.push_back({"report written to subscriber", [&] {
+    all.push_back({"device's change to subscriber", [&] {
                        listening = true;
                        const nlohmann::json body{{"pointer", "/screen/global/swap/enable"}, {"value", value ^= 1}};
                        const auto begin = Clock::now();

@@ -17,8 +17,9 @@ struct Line {
 
     /// Machines are noisy: a fifth beside the goal is let pass.
     bool held() const {
-        constexpr double kSlack = 0.8;
-        return kind == Goal::none || (kind == Goal::atLeast ? value >= goal * kSlack : value <= goal / kSlack);
+        constexpr double kSlack = 0.2;
+        return kind == Goal::none ||
+               (kind == Goal::atLeast ? value >= goal * (1 - kSlack) : value <= goal * (1 + kSlack));
     }
 };
 
