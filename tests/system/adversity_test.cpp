@@ -204,20 +204,20 @@ TEST(Adversity, aSubscriberThatHoldsUpTheReportsUntilTheirQueueIsFull) {
 }
 
 TEST(Adversity, aStopAmidstAll) {
-    const char* const asked = std::getenv("LCD_TEST_STOPS");
-    const int rounds = asked == nullptr ? 3 : std::atoi(asked);
     const json faults[] = {{{"kind", "delay"}, {"ms", 60'000}, {"path", kSwap}},
                            {{"kind", "endless"}, {"path", kSwap}},
                            {{"kind", "drip"}, {"bytesPerSecond", 1}, {"path", kSwap}},
                            {{"kind", "silent"}},
                            {{"kind", "restart"}},
                            {{"kind", "refuse"}, {"ms", 3000}}};
-    for (int round = 0; round < rounds; ++round) {
+    const char* const asked = std::getenv("LCD_TEST_STOPS");
+    const std::size_t rounds = asked == nullptr ? std::size(faults) : std::strtoul(asked, nullptr, 10);
+    for (std::size_t round = 0; round < rounds; ++round) {
         Results results;
         RealParts real;
         real.start();
         Storm(real, static_cast<unsigned>(50 + round)).run(5);
-        const json& fault = faults[static_cast<std::size_t>(round) % std::size(faults)];
+        const json& fault = faults[round % std::size(faults)];
         real.sim.addFault(fault);
         real.set("SwitchMode", 1, R"({"enable":1})", results);
         EXPECT_TRUE(eventually([&] {

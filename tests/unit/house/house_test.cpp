@@ -25,9 +25,10 @@ const fs::path kPlugins = LCD_TEST_PLUGINS;
 
 /// The room that an include names, or nothing for a library's header. `include/` is three rooms.
 std::string roomOf(const std::string& path) {
-    static const std::set<std::string> kRooms{
-        "json", "ini",  "lcdprotocolimpl", "lcdmemorycacheimpl", "platform", "devicesim", "panel", "ktp", "kt",
-        "lcd",  "tests"};
+    static const std::set<std::string> kRooms{"json",     "ini",       "lcdprotocolimpl", "lcdmemorycacheimpl",
+                                              "platform", "devicesim", "panel",           "ktp",
+                                              "kt",       "lcd",       "tests",           "bench",
+                                              "fuzz"};
     const std::string first = path.substr(0, path.find('/'));
     return kRooms.count(first) == 0 ? std::string() : first;
 }
