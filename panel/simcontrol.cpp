@@ -53,8 +53,7 @@ void SimControl::removeFaults() const { send("DELETE", "/sim/faults"); }
 
 OtherClient::OtherClient(SimControl device)
     : device_(std::move(device)),
-      token_(device_.send("POST", "/zelto/v1/system/auth/login", R"({"username":"admin","password":"Zk9wUTc4"})")
-                 .at("token")) {}
+      token_(device_.send("POST", "/zelto/v1/system/auth/login", device_.state().at("session").dump()).at("token")) {}
 
 json OtherClient::send(const std::string& verb, const std::string& path, const json& body) const {
     return device_.send(verb, path, body.dump(), token_);
