@@ -81,9 +81,13 @@ std::size_t indexOf(const json& list, const std::string& key, const json& record
     if (!record.is_object() || !record.contains(key)) {
         missing(key);
     }
-    const json* const found = recordOf(list, key, record[key]);
+    return indexWith(list, key, record[key]);
+}
+
+std::size_t indexWith(const json& list, const std::string& key, const json& id) {
+    const json* const found = recordOf(list, key, id);
     if (found == nullptr) {
-        throw Refusal(Failure::Unknown, fmt::format("there is no {} {}", key, record[key].dump()));
+        throw Refusal(Failure::Unknown, fmt::format("there is no {} {}", key, id.dump()));
     }
     return static_cast<std::size_t>(found - &list.front());
 }
@@ -92,6 +96,10 @@ const json* recordOf(const json& list, const std::string& key, const json& id) {
     const auto found =
         std::find_if(list.begin(), list.end(), [&](const json& element) { return element.at(key) == id; });
     return found == list.end() ? nullptr : &*found;
+}
+
+json* recordOf(json& list, const std::string& key, const json& id) {
+    return const_cast<json*>(recordOf(std::as_const(list), key, id));
 }
 
 int lowestFree(const json& list, const std::string& key) {

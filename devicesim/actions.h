@@ -38,10 +38,13 @@ void requireKind(const json& value, json::value_t kind, const std::string& name)
 json page(const Call& call, const json& records);
 /// As `mergeEach`, of these records.
 void mergeRecords(Call& call, const json& records);
-/// The place of the record that has this one's key. Throws a Refusal if there is none in the list.
+/// The place of the record that has this id. Throws a Refusal if there is none in the list.
+std::size_t indexWith(const json& list, const std::string& key, const json& id);
+/// The same for the id that a record has, which must have one.
 std::size_t indexOf(const json& list, const std::string& key, const json& record);
 /// Null if no record of the list has this id.
 const json* recordOf(const json& list, const std::string& key, const json& id);
+json* recordOf(json& list, const std::string& key, const json& id);
 /// The lowest number from 1 that no record of the list has.
 int lowestFree(const json& list, const std::string& key);
 

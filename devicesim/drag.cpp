@@ -105,6 +105,7 @@ void step(Interior& device, const std::shared_ptr<Drag>& drag) {
     }
     if (body.empty() || drag->sent == drag->reports) {
         device.drag.reset();
+        return;
     }
     device.agenda.after(drag->period, [drag](Interior& later) { step(later, drag); });
 }

@@ -31,14 +31,6 @@ const char* reasonOf(Verdict verdict) {
     return "there is no such layer";
 }
 
-Verdict withinCapacity(const json& state, const json& layers) {
-    double used = 0;
-    for (const json& layer : layers) {
-        used += layer.at("enable") != 0 ? layer.at("general").at("capacity").get<double>() : 0;
-    }
-    return used <= limit(state, "capacity") ? Verdict::Fine : Verdict::NoCapacity;
-}
-
 Verdict oneOf(const json& value, const json& known) {
     return std::find(known.begin(), known.end(), value) != known.end() ? Verdict::Fine : Verdict::NoValue;
 }
@@ -55,16 +47,17 @@ const json* screenOf(const json& state, const json& layer) {
 
 }  // namespace
 
-Verdict judgeSwitch(const json& state, const json& layers, const json&) { return withinCapacity(state, layers); }
-
-Verdict judgeGeneral(const json& state, const json& layers, const json&) { return withinCapacity(state, layers); }
+Verdict judgeCapacity(const json& state, const json& layers, const json&) {
+    double used = 0;
+    for (const json& layer : layers) {
+        used += layer.at("enable") != 0 ? layer.at("general").at("capacity").get<double>() : 0;
+    }
+    return used <= limit(state, "capacity") ? Verdict::Fine : Verdict::NoCapacity;
+}
 
 Verdict judgeSource(const json& state, const json&, const json& layer) {
-    const json& source = layer.at("source").at("general");
-    return source.at("sourceType") != kInterfaceSource ||
-                   inputOf(state.at("interface").at("list"), source.at("sourceId")) != nullptr
-               ? Verdict::Fine
-               : Verdict::NoSource;
+    return isLost(layer.at("source").at("general"), state.at("interface").at("list")) ? Verdict::NoSource
+                                                                                      : Verdict::Fine;
 }
 
 Verdict judgeWindow(const json& state, const json&, const json& layer) {
@@ -104,19 +97,18 @@ std::vector<Verdict> tryRecords(const Call& call, const json& records, Judge jud
     json layers = call.device.state.at(place.list);
     std::vector<Verdict> verdicts;
     for (const json& record : records) {
-        const json* const layer = recordOf(layers, key, member(record, key, json::value_t::number_integer));
+        json* const layer = recordOf(layers, key, member(record, key, json::value_t::number_integer));
         if (layer == nullptr) {
             verdicts.push_back(Verdict::NoLayer);
             continue;
         }
-        const auto index = static_cast<std::size_t>(layer - &layers.front());
-        const json before = layers[index];
-        json& tried = layers[index].at(place.member);
+        const json before = *layer;
+        json& tried = layer->at(place.member);
         requireFit(member(record, place.name, kindOf(tried)), tried, place.name);
         mergeInto(tried, record[place.name]);
-        verdicts.push_back(judge(call.device.state, layers, layers[index]));
+        verdicts.push_back(judge(call.device.state, layers, *layer));
         if (verdicts.back() != Verdict::Fine) {
-            layers[index] = before;
+            *layer = before;
         }
     }
     return verdicts;
@@ -139,6 +131,10 @@ const json* inputOf(const json& interfaces, const json& interfaceId) {
                    (found->at("auxiliaryInfo").at("connectorInfo").at("interfaceType").get<int>() & kInputBit) != 0
                ? found
                : nullptr;
+}
+
+bool isLost(const json& source, const json& interfaces) {
+    return source.at("sourceType") == kInterfaceSource && inputOf(interfaces, source.at("sourceId")) == nullptr;
 }
 
 void describeSource(json& source, const json& interfaces) {

@@ -13,8 +13,7 @@ enum class Verdict : int { Fine, NoLayer, NoSource, NoCapacity, Outside, NoValue
 /// Looks at a layer as a change has left it on trial, among all layers.
 using Judge = Verdict (*)(const json& state, const json& layers, const json& layer);
 
-Verdict judgeSwitch(const json& state, const json& layers, const json& layer);
-Verdict judgeGeneral(const json& state, const json& layers, const json& layer);
+Verdict judgeCapacity(const json& state, const json& layers, const json& layer);
 Verdict judgeSource(const json& state, const json& layers, const json& layer);
 Verdict judgeWindow(const json& state, const json& layers, const json& layer);
 Verdict judgeAspectRatio(const json& state, const json& layers, const json& layer);
@@ -31,6 +30,8 @@ void requireFine(const Call& call, const json& records, Judge judge);
 inline constexpr int kInterfaceSource = 1;
 /// The input or expansion source of this number among the interfaces. Null if there is none.
 const json* inputOf(const json& interfaces, const json& interfaceId);
+/// Whether a source or a display is an interface that isn't there any more.
+bool isLost(const json& source, const json& interfaces);
 /// Fills in what the device knows of a layer's source, if that is an interface.
 void describeSource(json& source, const json& interfaces);
 

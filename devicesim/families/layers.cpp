@@ -34,7 +34,7 @@ void showOpen(Call& call) {
 // Clients that have read a list since a layer was closed don't know it: one that opens is told whole.
 void switchLayer(Call& call) {
     const json records = json::array({call.body});
-    requireFine(call, records, judgeSwitch);
+    requireFine(call, records, judgeCapacity);
     const std::size_t index = indexOf(layersOf(call), "layerId", call.body);
     const json& layer = layersOf(call)[index];
     const bool wasOpen = layer.at("enable") != 0;
@@ -45,7 +45,7 @@ void switchLayer(Call& call) {
 }
 
 void setGeneral(Call& call) {
-    requireFine(call, call.body, judgeGeneral);
+    requireFine(call, call.body, judgeCapacity);
     mergeEach(call);
 }
 

@@ -117,11 +117,10 @@ Verdict judgePreset(const json& state, const json& presetId) {
         return Verdict::NoValue;
     }
     const json& displays = preset->at("displays");
-    const bool whole = std::all_of(displays.begin(), displays.end(), [&](const json& display) {
-        return display.at("sourceType") != kInterfaceSource ||
-               inputOf(state.at("interface").at("list"), display.at("sourceId")) != nullptr;
+    const bool lost = std::any_of(displays.begin(), displays.end(), [&](const json& display) {
+        return isLost(display, state.at("interface").at("list"));
     });
-    return whole ? Verdict::Fine : Verdict::NoSource;
+    return lost ? Verdict::NoSource : Verdict::Fine;
 }
 
 std::vector<Row> presetRows() {

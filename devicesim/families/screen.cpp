@@ -1,4 +1,4 @@
-// The settings that all screens share.
+// The list of screens, and the settings that all of them share.
 #include <array>
 #include <string>
 
@@ -105,6 +105,9 @@ std::vector<Row> screenRows() {
         {"GET", "/zelto/v1/screen/global/transition-preview", show, "/screen/global/transition-preview"},
         {"POST", "/zelto/v1/screen/global/transition-preview", replace, "/screen/global/transition-preview", "",
          0x71207},
+
+        {"GET", "/zelto/v1/screen/list-thumb", showPage, "/screen/list", "", 0, recordAt,
+         "screenId screenIdObj general mosaic enable"},
     };
 }
 

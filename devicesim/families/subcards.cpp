@@ -91,7 +91,7 @@ std::vector<std::size_t> settleSources(json& layers, const json& interfaces) {
     for (std::size_t i = 0; i < layers.size(); ++i) {
         json& source = layers[i].at("source").at("general");
         const json before = source;
-        if (source.at("sourceType") == kInterfaceSource && inputOf(interfaces, source.at("sourceId")) == nullptr) {
+        if (isLost(source, interfaces)) {
             source = {{"sourceId", 0},
                       {"sourceType", 0},
                       {"connectorType", 0},

@@ -46,11 +46,7 @@ struct Move {
     Agenda::Clock::time_point start = Agenda::Clock::now();
 };
 
-json* screenWith(json& state, const json& screenId) {
-    json& screens = state.at(kScreens);
-    const json* const found = recordOf(screens, "screenId", screenId);
-    return found == nullptr ? nullptr : &screens[static_cast<std::size_t>(found - &screens.front())];
-}
+json* screenWith(json& state, const json& screenId) { return recordOf(state.at(kScreens), "screenId", screenId); }
 
 bool isOn(const json& layer, const json& screen, int scene) {
     const json& layerId = layer.at("layerIdObj");
@@ -118,7 +114,7 @@ void passOver(json& state, const json& screen, int direction) {
 void reportTbars(Interior& device, const std::vector<json>& screenIds, const Source& source) {
     std::vector<Place> places;
     for (const json& id : screenIds) {
-        places.push_back(kScreens / indexOf(device.state.at(kScreens), "screenId", {{"screenId", id}}) / "percent");
+        places.push_back(kScreens / indexWith(device.state.at(kScreens), "screenId", id) / "percent");
     }
     if (!places.empty()) {
         device.reportChange(device.table.reporting(kTbar), places, source);
@@ -187,7 +183,7 @@ void step(Interior& device, Move move) {
 void requireAtRest(Call& call, const std::vector<Passage>& passages) {
     for (auto passage = passages.begin(); passage != passages.end(); ++passage) {
         const json& screens = call.device.state.at(kScreens);
-        const json& screen = screens[indexOf(screens, "screenId", {{"screenId", passage->screenId}})];
+        const json& screen = screens[indexWith(screens, "screenId", passage->screenId)];
         const bool twice = std::any_of(passages.begin(), passage,
                                        [&](const Passage& other) { return other.screenId == passage->screenId; });
         if (twice || screen.at("percent") != kAtRest) {
@@ -322,9 +318,6 @@ void setTbars(Call& call) {
 
 std::vector<Row> takeRows() {
     return {
-        {"GET", "/zelto/v1/screen/list-thumb", showPage, "/screen/list", "", 0, recordAt,
-         "screenId screenIdObj general mosaic enable"},
-
         {"GET", "/zelto/v1/screen/selected/tbar", show, "/screen/selected/tbar", "", kSelectedTbar},
         {"PUT", "/zelto/v1/screen/selected/take", takeSelected, "/screen/selected/tbar", "", kSelectedTake, nullptr},
         {"PUT", "/zelto/v1/screen/selected/cut", cutSelected, "/screen/selected/tbar", "", kSelectedCut, nullptr},
